@@ -1,0 +1,54 @@
+#include "config/strings.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace fancy {
+
+namespace {
+
+struct StringRow {
+  uint32_t id;
+  const char* text;
+};
+
+// Each subsystem keeps its own rows; the table is their union.
+const StringRow kStringRows[] = {
+#include "frame/strings.inc"
+#include "stroke/strings.inc"
+#include "tile/strings.inc"
+#include "relief/strings.inc"
+#include "imaging/strings.inc"
+#include "colour/strings.inc"
+#include "controls/strings.inc"
+#include "config/strings.inc"
+    {0, nullptr},
+};
+
+constexpr size_t kTempStringBuffer = 2304;
+constexpr size_t kTempStringMax = 256;
+char gTempStrings[kTempStringBuffer];
+size_t gTempStringNext = 0;
+
+}  // namespace
+
+const char* FindString(uint32_t id) {
+  for (const StringRow& row : kStringRows)
+    if (row.text && row.id == id) return row.text;
+  return nullptr;
+}
+
+const char* LoadTempString(uint32_t id) {
+  const char* text = FindString(id);
+  if (!text) text = "";
+  size_t length = std::min(std::strlen(text), kTempStringMax - 1);
+  if (gTempStringNext + length + 1 > kTempStringBuffer) gTempStringNext = 0;
+  char* out = gTempStrings + gTempStringNext;
+  std::memcpy(out, text, length);
+  out[length] = '\0';
+  gTempStringNext += length + 1;
+  return out;
+}
+
+}  // namespace fancy

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Configure, build and run every test. Usage: tools/test.sh [BUILD_DIR] [extra cmake args...]
+set -euo pipefail
+here=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-"$here/build"}
+shift || true
+jobs=$(nproc 2>/dev/null || echo 2)
+cmake -S "$here" -B "$build" -DCMAKE_BUILD_TYPE=Release "$@"
+cmake --build "$build" -j "$jobs"
+ctest --test-dir "$build" --output-on-failure -j "$jobs"
