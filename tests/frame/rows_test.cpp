@@ -1,0 +1,163 @@
+// Rows between host and effect: the request shapes, the host extension
+// door, and effects without an engine handing the image back unchanged.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <vector>
+
+#include "frame/host_bridge.h"
+#include "frame/module_state.h"
+#include "frame/result_codes.h"
+#include "support/message_boxes.h"
+#include "support/test_host.h"
+
+namespace fancy {
+namespace {
+
+using testing::HostImage;
+using testing::MessageBoxRecorder;
+using testing::TestHost;
+
+class RowsTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ModuleShutdown(); }
+  MessageBoxRecorder boxes_;
+};
+
+TEST_F(RowsTest, EffectsWithoutEngineGiveTheImageBackUnchanged) {
+  const int16_t modes[] = {kModeGray, kModeRGB, kModeCMYK};
+  const int32_t effects[] = {kFilterBrushka, kFilterTessaris, kFilterGlass};
+  for (int32_t id : effects) {
+    for (int16_t mode : modes) {
+      SCOPED_TRACE(::testing::Message() << "effect " << id << ", mode " << mode);
+      TestHost host(id, 13, 9, mode);
+      host.FillPattern(static_cast<uint32_t>(id * 10 + mode));
+      host.SetMask();
+      // Only part of the image is filtered; the rest is never asked for.
+      host.record().filterRect = Rect16{2, 3, 8, 11};
+      HostImage before = host.image();
+      ASSERT_EQ(host.Run(), 0);
+      EXPECT_EQ(host.image(), before);
+      // A second run on the kept parameters does the same.
+      ASSERT_EQ(host.Run(), 0);
+      EXPECT_EQ(host.image(), before);
+    }
+  }
+}
+
+TEST_F(RowsTest, StrokeAsksForOneRowOfThreePlanesAtATime) {
+  for (int16_t mode : {kModeGray, kModeRGB, kModeCMYK}) {
+    TestHost host(kFilterBrushka, 7, 5, mode);
+    host.record().filterRect = Rect16{1, 2, 4, 6};
+    ASSERT_EQ(host.Call(kSelectorParameters), 0);
+    ASSERT_EQ(host.Call(kSelectorPrepare), 0);
+    ASSERT_EQ(host.Call(kSelectorStart), 0);
+    for (int16_t row = 1; row < 4; ++row) {
+      const FilterRecord& r = host.record();
+      EXPECT_EQ(r.inRect.top, row);
+      EXPECT_EQ(r.inRect.bottom, row + 1);
+      EXPECT_EQ(r.inRect.left, 2);
+      EXPECT_EQ(r.inRect.right, 6);
+      EXPECT_EQ(r.inLoPlane, 0);
+      EXPECT_EQ(r.inHiPlane, 2) << "three planes whatever the image has";
+      EXPECT_EQ(r.outLoPlane, 0);
+      EXPECT_EQ(r.outHiPlane, 2);
+      EXPECT_EQ(std::memcmp(&r.inRect, &r.outRect, sizeof(Rect16)), 0);
+      ASSERT_EQ(host.Call(kSelectorContinue), 0);
+    }
+    const FilterRecord& r = host.record();
+    EXPECT_EQ(r.inRect.top | r.inRect.left | r.inRect.bottom | r.inRect.right, 0);
+    EXPECT_EQ(r.outRect.top | r.outRect.left | r.outRect.bottom | r.outRect.right, 0);
+    EXPECT_EQ(host.Call(kSelectorFinish), 0);
+  }
+}
+
+TEST_F(RowsTest, TileAsksForChunksOfRowsPerChunk) {
+  // 16001 grey pixels pad to 16004 bytes a row: three rows to a chunk.
+  TestHost host(kFilterTessaris, 16001, 7, kModeGray);
+  HostImage before = host.image();
+  ASSERT_EQ(host.Call(kSelectorParameters), 0);
+  ASSERT_EQ(host.Call(kSelectorPrepare), 0);
+  ASSERT_EQ(host.Call(kSelectorStart), 0);
+  EXPECT_EQ(host.runSlot()->rowsPerChunk, 3);
+  std::vector<int16_t> tops, bottoms;
+  while (host.record().inRect.bottom != 0) {
+    tops.push_back(host.record().inRect.top);
+    bottoms.push_back(host.record().inRect.bottom);
+    ASSERT_EQ(host.Call(kSelectorContinue), 0);
+  }
+  EXPECT_EQ(tops, (std::vector<int16_t>{0, 3, 6}));
+  EXPECT_EQ(bottoms, (std::vector<int16_t>{3, 6, 7}));
+  EXPECT_EQ(host.Call(kSelectorFinish), 0);
+  EXPECT_EQ(host.image(), before);
+}
+
+TEST_F(RowsTest, PassRowsThroughRespectsRowBytes) {
+  FilterRecord record{};
+  record.inRect = record.outRect = Rect16{0, 0, 2, 3};
+  record.inHiPlane = record.outHiPlane = 1;
+  std::vector<uint8_t> in(2 * 10), out(2 * 12, 0xEE);
+  for (size_t i = 0; i < in.size(); ++i) in[i] = static_cast<uint8_t>(i);
+  record.inData = in.data();
+  record.inRowBytes = 10;
+  record.outData = out.data();
+  record.outRowBytes = 12;
+  PassRowsThrough(&record);
+  for (int y = 0; y < 2; ++y) {
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(out[y * 12 + i], in[y * 10 + i]);
+    for (int i = 6; i < 12; ++i) EXPECT_EQ(out[y * 12 + i], 0xEE) << "past the row's data";
+  }
+  // Missing buffers are not written through.
+  record.outData = nullptr;
+  PassRowsThrough(&record);
+}
+
+TEST_F(RowsTest, HostExtensionIsHeadedAndAskedOnlyWhereOffered) {
+  TestHost host(kFilterBrushka, 2, 2, kModeRGB);
+  FilterRecord& record = host.record();
+
+  HostExtension extension;
+  std::memset(&extension, 0xAB, sizeof(extension));
+  HeadHostExtension(&extension, &record);
+  EXPECT_EQ(extension.signature, kHostExtensionMagic);
+  EXPECT_EQ(extension.version, 4u);
+  EXPECT_EQ(extension.filterRecord, &record);
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&extension);
+  size_t headEnd = offsetof(HostExtension, sourceImage);
+  for (size_t i = headEnd; i < sizeof(extension); ++i) ASSERT_EQ(bytes[i], 0) << "byte " << i;
+
+  HostExtension forDialog = ReadHostExtensionForDialog(&record);
+  EXPECT_EQ(forDialog.sourceImage, host.objects().sourceImage);
+  EXPECT_EQ(host.hostProcCalls(), 1);
+
+  SendHostCommand(&record, 4711);
+  EXPECT_EQ(host.commands(), (std::vector<uint32_t>{4711}));
+  EXPECT_EQ(host.lastExtensionIn().commandId, 4711u);
+
+  // Another host: the dialog gets a headed record with null objects, and the
+  // command is dropped.
+  record.hostSig = 0x3842494D;
+  forDialog = ReadHostExtensionForDialog(&record);
+  EXPECT_EQ(forDialog.sourceImage, nullptr);
+  EXPECT_EQ(forDialog.displayContext, nullptr);
+  EXPECT_EQ(forDialog.signature, 0x3842494Du);
+  SendHostCommand(&record, 4712);
+  EXPECT_EQ(host.hostProcCalls(), 2);
+  EXPECT_EQ(host.commands().size(), 1u);
+}
+
+TEST_F(RowsTest, HelpFileCopyStopsAtTheRecordsEnd) {
+  HostExtension extension{};
+  std::memset(extension.helpFile, 'h', sizeof(extension.helpFile));  // no terminator
+  extension.maskBottom = extension.maskLeft = extension.maskTop = extension.maskRight = 0x7878;
+  char out[300];
+  CopyHelpFile(extension, out, sizeof(out));
+  EXPECT_EQ(std::strlen(out), 259u);
+  EXPECT_EQ(std::string(out).find('x'), std::string::npos);
+  char small[5];
+  CopyHelpFile(extension, small, sizeof(small));
+  EXPECT_STREQ(small, "hhhh");
+}
+
+}  // namespace
+}  // namespace fancy

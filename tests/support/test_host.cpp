@@ -1,0 +1,334 @@
+#include "support/test_host.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "frame/entry.h"
+#include "frame/module_handle.h"
+
+namespace fancy::testing {
+
+namespace {
+
+TestHost* gActiveHost = nullptr;
+
+// Stand-ins for the host's objects: distinct, non-null, never dereferenced by
+// the frame.
+alignas(16) unsigned char gStandInObjects[64];
+
+constexpr uint8_t kPadding = 0xCD;  // fills the bytes past each row's data
+constexpr int32_t kRowPadding = 8;  // rows are handed with spare bytes
+
+int32_t PlanesOfMode(int16_t imageMode) {
+  switch (imageMode) {
+    case kModeRGB: return 3;
+    case kModeCMYK: return 4;
+    default: return 1;
+  }
+}
+
+bool IsEmpty(const Rect16& r) { return !r.top && !r.left && !r.bottom && !r.right; }
+
+// The grey that a host keeps of three planes blue, green, red; equal planes
+// give their own value back.
+uint8_t GreyOf(uint8_t blue, uint8_t green, uint8_t red) {
+  return static_cast<uint8_t>((red * 299 + green * 587 + blue * 114 + 500) / 1000);
+}
+
+}  // namespace
+
+struct TestHostProcs {
+  static void HostProc(int16_t selector, intptr_t* data) {
+    if (gActiveHost) gActiveHost->HostProc(selector, reinterpret_cast<HostExtension*>(data));
+  }
+  static Boolean Abort() { return gActiveHost ? gActiveHost->Abort() : 0; }
+  static void Progress(int32_t done, int32_t total) {
+    if (gActiveHost) gActiveHost->Progress(done, total);
+  }
+  static OSErr Advance() { return gActiveHost ? gActiveHost->Advance() : -1; }
+};
+
+TestHost::TestHost(int32_t filterId, int32_t width, int32_t height, int16_t imageMode)
+    : filterId_(filterId) {
+  if (gActiveHost) ADD_FAILURE() << "only one TestHost at a time";
+  gActiveHost = this;
+
+  image_.width = width;
+  image_.height = height;
+  image_.planes = PlanesOfMode(imageMode);
+  image_.pixels.assign(static_cast<size_t>(width) * height * image_.planes, 0);
+  FillPattern(1);
+
+  objects_.sourceImage = reinterpret_cast<Image*>(gStandInObjects);
+  objects_.displayContext = reinterpret_cast<DisplayContext*>(gStandInObjects + 16);
+
+  record_.serial = 0;
+  record_.imageSize = Point16{static_cast<int16_t>(height), static_cast<int16_t>(width)};
+  record_.planes = static_cast<int16_t>(image_.planes);
+  record_.filterRect = Rect16{0, 0, static_cast<int16_t>(height), static_cast<int16_t>(width)};
+  record_.imageMode = imageMode;
+  record_.maxSpace = 64 << 20;
+  record_.platformData = &platform_;
+  platform_.hostWindow = gStandInObjects + 32;
+  record_.advanceState = &TestHostProcs::Advance;
+  OfferExtension(true);
+  OfferProgress(true);
+}
+
+TestHost::~TestHost() {
+  // The host owns what is in `parameters` and frees it when it closes.
+  if (record_.parameters) ModuleHandleFree(record_.parameters);
+  for (char** block : orphans_) ModuleHandleFree(block);
+  if (data_) ADD_FAILURE() << "the module left a RunSlot in the data slot";
+  gActiveHost = nullptr;
+}
+
+void TestHost::FillPattern(uint32_t seed) {
+  uint32_t state = seed * 2654435761u + 12345;
+  for (uint8_t& byte : image_.pixels) {
+    state = state * 1103515245u + 12345;
+    byte = static_cast<uint8_t>(state >> 16);
+  }
+}
+
+void TestHost::SetMask(uint8_t value) {
+  mask_.width = image_.width;
+  mask_.height = image_.height;
+  mask_.planes = 1;
+  mask_.pixels.assign(static_cast<size_t>(mask_.width) * mask_.height, value);
+  record_.haveMask = 1;
+  objects_.maskImage = reinterpret_cast<Image*>(gStandInObjects + 48);
+  objects_.maskBounds = Rect16{0, 0, static_cast<int16_t>(image_.height - 1),
+                               static_cast<int16_t>(image_.width - 1)};
+}
+
+void TestHost::OfferExtension(bool offered) {
+  record_.hostSig = offered ? kHostExtensionMagic : 0x3842494D;  // another host's signature
+  record_.hostProc = offered ? &TestHostProcs::HostProc : nullptr;
+}
+
+void TestHost::SetAbort(std::function<bool(int32_t)> script) {
+  abortScript_ = std::move(script);
+  record_.abortProc = abortScript_ ? &TestHostProcs::Abort : nullptr;
+}
+
+void TestHost::OfferProgress(bool offered) {
+  record_.progressProc = offered ? &TestHostProcs::Progress : nullptr;
+}
+
+void TestHost::ClearLog() {
+  progress_.clear();
+  commands_.clear();
+  calls_.clear();
+  hostProcCalls_ = abortCalls_ = continueCalls_ = advanceCalls_ = 0;
+}
+
+void TestHost::HostProc(int16_t selector, HostExtension* extension) {
+  ++hostProcCalls_;
+  if (!extension) {
+    ADD_FAILURE() << "hostProc called without a record";
+    return;
+  }
+  extensionIn_ = *extension;
+  if (selector == kHostProcMenuCommand) {
+    commands_.push_back(extension->commandId);
+    return;
+  }
+  if (selector != kHostProcFill) return;
+  extension->sourceImage = objects_.sourceImage;
+  extension->displayContext = objects_.displayContext;
+  extension->colorContext = objects_.colorContext;
+  extension->hostMenu = objects_.hostMenu;
+  extension->hostMenuCount = objects_.hostMenuCount;
+  extension->hostMenuFirstId = objects_.hostMenuFirstId;
+  extension->maskImage = objects_.maskImage;
+  std::snprintf(extension->helpFile, sizeof(extension->helpFile), "%s",
+                objects_.helpFile.c_str());
+  extension->maskTop = objects_.maskBounds.top;
+  extension->maskLeft = objects_.maskBounds.left;
+  extension->maskBottom = objects_.maskBounds.bottom;
+  extension->maskRight = objects_.maskBounds.right;
+}
+
+Boolean TestHost::Abort() {
+  ++abortCalls_;
+  return abortScript_ && abortScript_(abortCalls_) ? 1 : 0;
+}
+
+void TestHost::Progress(int32_t done, int32_t total) { progress_.push_back({done, total}); }
+
+OSErr TestHost::Advance() {
+  ++advanceCalls_;
+  TakeBack();
+  Deliver();
+  return 0;
+}
+
+void TestHost::Deliver() {
+  pending_ = false;
+  record_.inData = record_.outData = record_.maskData = nullptr;
+  const Rect16 in = record_.inRect;
+  const Rect16 out = record_.outRect;
+  auto inside = [&](const Rect16& r) {
+    return r.top >= 0 && r.left >= 0 && r.top <= r.bottom && r.left <= r.right &&
+           r.bottom <= image_.height && r.right <= image_.width;
+  };
+  auto planesOk = [&](int16_t lo, int16_t hi) {
+    return lo >= 0 && lo <= hi && (hi < image_.planes || image_.planes == 1);
+  };
+  // The value a host hands for plane q of a pixel: grey fills every plane.
+  auto source = [&](int32_t x, int32_t y, int32_t q) -> uint8_t {
+    return image_.at(x, y, q < image_.planes ? q : 0);
+  };
+
+  if (!IsEmpty(in)) {
+    if (!inside(in) || !planesOk(record_.inLoPlane, record_.inHiPlane)) {
+      ADD_FAILURE() << "inRect or in planes outside the image";
+      return;
+    }
+    int32_t n = record_.inHiPlane - record_.inLoPlane + 1;
+    int32_t width = in.right - in.left;
+    record_.inRowBytes = width * n + kRowPadding;
+    inBuffer_.assign(static_cast<size_t>(record_.inRowBytes) * (in.bottom - in.top) + 1, kPadding);
+    for (int32_t y = in.top; y < in.bottom; ++y)
+      for (int32_t x = in.left; x < in.right; ++x)
+        for (int32_t q = 0; q < n; ++q)
+          inBuffer_[static_cast<size_t>(y - in.top) * record_.inRowBytes + (x - in.left) * n + q] =
+              source(x, y, record_.inLoPlane + q);
+    record_.inData = inBuffer_.data();
+  }
+  if (!IsEmpty(out)) {
+    if (!inside(out) || !planesOk(record_.outLoPlane, record_.outHiPlane)) {
+      ADD_FAILURE() << "outRect or out planes outside the image";
+      return;
+    }
+    int32_t n = record_.outHiPlane - record_.outLoPlane + 1;
+    int32_t width = out.right - out.left;
+    record_.outRowBytes = width * n + kRowPadding;
+    outBuffer_.assign(static_cast<size_t>(record_.outRowBytes) * (out.bottom - out.top) + 1,
+                      kPadding);
+    for (int32_t y = out.top; y < out.bottom; ++y)
+      for (int32_t x = out.left; x < out.right; ++x)
+        for (int32_t q = 0; q < n; ++q)
+          outBuffer_[static_cast<size_t>(y - out.top) * record_.outRowBytes + (x - out.left) * n +
+                     q] = source(x, y, record_.outLoPlane + q);
+    record_.outData = outBuffer_.data();
+    pending_ = true;
+    pendingOut_ = out;
+    pendingLo_ = record_.outLoPlane;
+    pendingHi_ = record_.outHiPlane;
+  }
+  const Rect16 m = record_.maskRect;
+  if (record_.haveMask && !mask_.pixels.empty() && !IsEmpty(m)) {
+    if (!inside(m)) {
+      ADD_FAILURE() << "maskRect outside the image";
+      return;
+    }
+    int32_t width = m.right - m.left;
+    record_.maskRowBytes = width + kRowPadding;
+    maskBuffer_.assign(static_cast<size_t>(record_.maskRowBytes) * (m.bottom - m.top) + 1,
+                       kPadding);
+    for (int32_t y = m.top; y < m.bottom; ++y)
+      for (int32_t x = m.left; x < m.right; ++x)
+        maskBuffer_[static_cast<size_t>(y - m.top) * record_.maskRowBytes + (x - m.left)] =
+            mask_.at(x, y, 0);
+    record_.maskData = maskBuffer_.data();
+  }
+}
+
+void TestHost::TakeBack() {
+  if (!pending_) return;
+  pending_ = false;
+  const Rect16 out = pendingOut_;
+  int32_t n = pendingHi_ - pendingLo_ + 1;
+  bool greyRule = image_.planes == 1 && n > 1;
+  for (int32_t y = out.top; y < out.bottom; ++y) {
+    const uint8_t* row = outBuffer_.data() + static_cast<size_t>(y - out.top) * record_.outRowBytes;
+    for (int32_t x = out.left; x < out.right; ++x) {
+      const uint8_t* px = row + static_cast<size_t>(x - out.left) * n;
+      if (greyRule) {
+        // Planes 0..2 as blue, green, red; with fewer, the first stands.
+        image_.at(x, y, 0) = (pendingLo_ == 0 && n >= 3) ? GreyOf(px[0], px[1], px[2]) : px[0];
+        continue;
+      }
+      for (int32_t q = 0; q < n; ++q)
+        if (pendingLo_ + q < image_.planes) image_.at(x, y, pendingLo_ + q) = px[q];
+    }
+  }
+  // Bytes past each row's data are the host's; an effect must not write them.
+  for (int32_t y = 0; y < out.bottom - out.top; ++y) {
+    const uint8_t* row = outBuffer_.data() + static_cast<size_t>(y) * record_.outRowBytes;
+    for (int32_t i = (out.right - out.left) * n; i < record_.outRowBytes; ++i)
+      if (row[i] != kPadding) {
+        ADD_FAILURE() << "the effect wrote past the row it was given (row " << y << ")";
+        return;
+      }
+  }
+}
+
+int16_t TestHost::Call(int16_t selector) {
+  if (!runActive_ && selector != kSelectorAbout) {
+    runActive_ = true;
+    runStart_ = record_.parameters;
+  }
+  if (selector == kSelectorContinue) {
+    ++continueCalls_;
+    Deliver();
+  }
+  int16_t result = 12345;
+  FilterEntry(selector, &record_, &data_, &result, filterId_);
+  if (result == 0)
+    TakeBack();
+  else
+    pending_ = false;
+  record_.inData = record_.outData = record_.maskData = nullptr;
+  calls_.push_back({selector, result});
+
+  // A failure or selector 5 ends the run. A block that the module made in a
+  // failed run is gone; one that replaced another effect's block in a good
+  // run leaves the old one to the host.
+  if (runActive_ && (result != 0 || selector == kSelectorFinish)) {
+    runActive_ = false;
+    if (record_.parameters != runStart_) {
+      if (result != 0)
+        record_.parameters = runStart_;
+      else if (runStart_)
+        orphans_.push_back(runStart_);
+    }
+  }
+  return result;
+}
+
+int16_t TestHost::Run() {
+  int16_t result = Call(kSelectorParameters);
+  if (result != 0) return result;
+  return Repeat();
+}
+
+int16_t TestHost::Repeat() {
+  int16_t result = Call(kSelectorPrepare);
+  if (result != 0) return result;
+  result = Call(kSelectorStart);
+  if (result != 0) return result;
+  // Enough continues for one a row per plane, and then some: an effect that
+  // never ends its requests fails here instead of hanging.
+  int64_t limit = int64_t{image_.height} * 4 + 16;
+  while (IsEmpty(record_.inRect) == false || IsEmpty(record_.outRect) == false) {
+    if (limit-- == 0) {
+      ADD_FAILURE() << "the effect never ended its requests";
+      Call(kSelectorFinish);
+      return -1;
+    }
+    result = Call(kSelectorContinue);
+    if (result != 0) {
+      Call(kSelectorFinish);
+      return result;
+    }
+  }
+  return Call(kSelectorFinish);
+}
+
+}  // namespace fancy::testing
