@@ -48,11 +48,13 @@ EffectHead* UsableEffectRecord(const FilterRecord* record, int32_t filterId) {
 }
 
 int16_t CreateEffectRecord(FilterRecord* record, int32_t filterId) {
+  // The new handle goes into `parameters` even when it is null, so that the
+  // clean-up after this failure never frees a block that the host brought.
   int32_t size = EffectRecordSize(filterId);
-  if (size < static_cast<int32_t>(sizeof(EffectHead))) return kErrFilterFailure;
-  ModuleHandle handle = ModuleHandleAlloc(size);
-  if (!handle) return kErrFilterFailure;
+  ModuleHandle handle =
+      size >= static_cast<int32_t>(sizeof(EffectHead)) ? ModuleHandleAlloc(size) : nullptr;
   record->parameters = handle;
+  if (!handle) return kErrFilterFailure;
   auto* effect = static_cast<EffectHead*>(ModuleHandleData(handle));
   effect->filterId = filterId;
   effect->effectClass = EffectClassOf(filterId);

@@ -356,6 +356,15 @@ TEST_F(DispatchTest, ForeignOrMissingRecordsAreRefused) {
   EXPECT_EQ(host.dataSlot(), 0);
   EXPECT_EQ(host.effect()->filterId, kFilterTessaris);
 
+  // An entry for an effect that does not exist fails to make its record and
+  // leaves the host's block alone.
+  int32_t blocks = BlocksMade();
+  host.UseEntry(204);
+  EXPECT_EQ(host.Call(kSelectorParameters), kErrFilterFailure);
+  EXPECT_EQ(host.dataSlot(), 0);
+  EXPECT_EQ(host.effect()->filterId, kFilterTessaris);
+  EXPECT_EQ(BlocksMade(), blocks);
+
   // A null record fails every run selector without touching anything.
   intptr_t data = 0;
   int16_t result = 0;
