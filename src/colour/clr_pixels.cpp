@@ -99,15 +99,16 @@ int CLRFallbackRGBToCMYK(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst,
                          ptrdiff_t dstStride, int32_t width, int32_t height) {
   if (!ArgumentsOk(src, dst, width, height)) return 0;
   for (int32_t y = 0; y < height; ++y) {
-    const uint8_t* s = src + y * srcStride;
-    uint8_t* d = dst + y * dstStride;
-    for (int32_t x = 0; x < width; ++x, s += 3, d += 4) {
-      int c = 255 - s[2], m = 255 - s[1], ye = 255 - s[0];
-      int k = std::min(c, std::min(m, ye));
-      d[0] = static_cast<uint8_t>(c - k);
-      d[1] = static_cast<uint8_t>(m - k);
-      d[2] = static_cast<uint8_t>(ye - k);
-      d[3] = static_cast<uint8_t>(k);
+    const uint8_t* __restrict s = src + y * srcStride;
+    uint8_t* __restrict d = dst + y * dstStride;
+    for (int32_t x = 0; x < width; ++x) {
+      // K is what the lightest channel lacks of white: 255 - max(R, G, B).
+      uint8_t b = s[3 * x], g = s[3 * x + 1], r = s[3 * x + 2];
+      uint8_t mx = std::max(r, std::max(g, b));
+      d[4 * x] = static_cast<uint8_t>(mx - r);
+      d[4 * x + 1] = static_cast<uint8_t>(mx - g);
+      d[4 * x + 2] = static_cast<uint8_t>(mx - b);
+      d[4 * x + 3] = static_cast<uint8_t>(255 - mx);
     }
   }
   return 1;
@@ -117,13 +118,13 @@ int CLRFallbackCMYKToRGB(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst,
                          ptrdiff_t dstStride, int32_t width, int32_t height) {
   if (!ArgumentsOk(src, dst, width, height)) return 0;
   for (int32_t y = 0; y < height; ++y) {
-    const uint8_t* s = src + y * srcStride;
-    uint8_t* d = dst + y * dstStride;
-    for (int32_t x = 0; x < width; ++x, s += 4, d += 3) {
-      int k = s[3];
-      d[2] = static_cast<uint8_t>(255 - std::min(s[0] + k, 255));
-      d[1] = static_cast<uint8_t>(255 - std::min(s[1] + k, 255));
-      d[0] = static_cast<uint8_t>(255 - std::min(s[2] + k, 255));
+    const uint8_t* __restrict s = src + y * srcStride;
+    uint8_t* __restrict d = dst + y * dstStride;
+    for (int32_t x = 0; x < width; ++x) {
+      int c = s[4 * x], m = s[4 * x + 1], ye = s[4 * x + 2], k = s[4 * x + 3];
+      d[3 * x + 2] = static_cast<uint8_t>(255 - std::min(c + k, 255));
+      d[3 * x + 1] = static_cast<uint8_t>(255 - std::min(m + k, 255));
+      d[3 * x] = static_cast<uint8_t>(255 - std::min(ye + k, 255));
     }
   }
   return 1;

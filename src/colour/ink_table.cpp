@@ -201,18 +201,23 @@ bool StoreInk(const InkLine& ink) {
   uint32_t nameSize = 1;
   name[0] = 0;
   if (ink.fields > MinimumFields(ink.shape)) {
-    const char* p = ink.name;
-    int32_t number = IsDigit(*p) ? ReadNumber(p) : 0;
+    const char* text = ink.name;
+    size_t length = ink.nameLength;
+    // A stored text name must not begin with the number form's mark, or it
+    // would be read back as a number: such bytes are dropped.
+    while (length > 0 && static_cast<uint8_t>(*text) == kNumberName) ++text, --length;
+    const char* digits = text;
+    int32_t number = length > 0 && IsDigit(*text) ? ReadNumber(digits) : 0;
     if (number != 0) {
       name[0] = kNumberName;
       name[1] = static_cast<uint8_t>(number);
       name[2] = static_cast<uint8_t>(number >> 8);
       name[3] = 0;
       nameSize = 4;
-    } else {
-      std::memcpy(name, ink.name, ink.nameLength);
-      name[ink.nameLength] = 0;
-      nameSize = static_cast<uint32_t>(ink.nameLength) + 1;
+    } else if (length > 0) {
+      std::memcpy(name, text, length);
+      name[length] = 0;
+      nameSize = static_cast<uint32_t>(length) + 1;
     }
   }
 

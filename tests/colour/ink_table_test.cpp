@@ -42,7 +42,9 @@ TEST(InkTable, LineShapesNamesAndForms) {
       "ink 15 1 2 3\n"          // anything before the first digit is skipped
       "16 300 0 0 \"0 Black\"\n"  // digits worth 0: kept as text
       "17 1 2 3 \"\"\n"         // an empty name is no name
-      "18 4 5 6 \"unclosed\n");
+      "18 4 5 6 \"unclosed\n"
+      "19 1 1 1 \"\xff\xff" "7\"\n"  // a leading 255 would read as a number mark
+      "20 1 1 1 \"\xff\"\n");
   EXPECT_EQ(InkTableLoadCount(), 1);
 
   EXPECT_EQ(Name(0), "BLACK");
@@ -53,7 +55,9 @@ TEST(InkTable, LineShapesNamesAndForms) {
   EXPECT_EQ(Name(16), "PANTONE 0 Black CV");
   EXPECT_EQ(Name(17), "PANTONE 17 CV");
   EXPECT_EQ(Name(18), "PANTONE unclosed CV");
-  EXPECT_EQ(Name(19), "unknown PANTONE color 19");
+  EXPECT_EQ(Name(19), "PANTONE 7 CV");
+  EXPECT_EQ(Name(20), "PANTONE 20 CV");
+  EXPECT_EQ(Name(21), "unknown PANTONE color 21");
   EXPECT_EQ(Name(-1), "unknown PANTONE color -1");
   EXPECT_EQ(Name(1050), "unknown PANTONE color 1050");
 
@@ -81,7 +85,7 @@ TEST(InkTable, LineShapesNamesAndForms) {
   EXPECT_EQ(CLRPaletteWord(&rgb), 5);
 
   // Missing inks read as black.
-  EXPECT_EQ(InkRGB(19, &rgb), 0);
+  EXPECT_EQ(InkRGB(21, &rgb), 0);
   EXPECT_EQ(rgb.model, kCLRRGB255);
   EXPECT_EQ(RGBOf(rgb), (RGB{0, 0, 0}));
   EXPECT_FALSE(InkExists(0));
@@ -94,9 +98,9 @@ TEST(InkTable, LineShapesNamesAndForms) {
   EXPECT_EQ(CLRPaletteWord(&at), kCLRPalPantoneSpot);
   EXPECT_EQ(CLRGetU16(&at, 8), 12);
   EXPECT_EQ(CLRGetU16(&at, 10), 100);
-  ASSERT_EQ(InkAt(6, &at), 1);
-  EXPECT_EQ(CLRGetU16(&at, 8), 18);
-  EXPECT_EQ(InkAt(7, &at), 0);
+  ASSERT_EQ(InkAt(8, &at), 1);
+  EXPECT_EQ(CLRGetU16(&at, 8), 20);
+  EXPECT_EQ(InkAt(9, &at), 0);
   EXPECT_EQ(InkAt(-1, &at), 0);
 
   // Names are cut to the caller's buffer.
