@@ -1,11 +1,9 @@
-// The registry stand-in, dynamic loading and the clock.
+// The registry stand-in and dynamic loading.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <ctime>
 #include <string>
 
-#include "platform/clock.h"
 #include "platform/dynamic_library.h"
 #include "platform/profile.h"
 #include "platform/registry.h"
@@ -94,16 +92,6 @@ TEST(DynamicLibrary, LoadsFindsAndReportsFailure) {
   EXPECT_EQ(lib.handle, nullptr);
   DynamicLibraryClose(&lib);  // a closed library closes again harmlessly
   EXPECT_EQ(DynamicLibrarySymbol(&lib, "cos"), nullptr);
-}
-
-TEST(Clock, PinsAndReturnsToTheClock) {
-  CrtTimeOverride(123456);
-  EXPECT_EQ(CrtTime(), 123456);
-  CrtTimeOverride(0);
-  EXPECT_EQ(CrtTime(), 0);
-  int64_t before = static_cast<int64_t>(std::time(nullptr));
-  CrtTimeOverride(-1);
-  EXPECT_GE(CrtTime(), before);
 }
 
 }  // namespace
