@@ -19,6 +19,7 @@
 #include "config/condition.h"
 #include "config/config.h"
 #include "config/memblock.h"
+#include "platform/path.h"
 
 namespace fancy {
 
@@ -229,12 +230,9 @@ int HexTableLoad() {
     ++gHex.loadCount;
     return 1;
   }
-  char dir[261];
+  char dir[kMaxPath + 1];
   GetDataDir(dir, sizeof dir);
-  std::string path = dir;
-  if (!path.empty() && path.back() != '/' && path.back() != '\\') path += '/';
-  path += "pantone.hex";
-  return LoadFromFile(path.c_str());
+  return LoadFromFile(JoinPath(dir, "pantone.hex").c_str());
 }
 
 int HexTableLoadFile(const char* path) { return LoadFromFile(path ? path : ""); }

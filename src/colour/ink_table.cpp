@@ -21,6 +21,7 @@
 #include "config/condition.h"
 #include "config/config.h"
 #include "config/memblock.h"
+#include "platform/path.h"
 
 namespace fancy {
 
@@ -326,12 +327,9 @@ int InkTableLoad() {
     ++gInks.loadCount;
     return 1;
   }
-  char dir[261];
+  char dir[kMaxPath + 1];
   GetDataDir(dir, sizeof dir);
-  std::string path = dir;
-  if (!path.empty() && path.back() != '/' && path.back() != '\\') path += '/';
-  path += "sketchry.ink";
-  return LoadFromFile(path.c_str());
+  return LoadFromFile(JoinPath(dir, "sketchry.ink").c_str());
 }
 
 int InkTableLoadFile(const char* path) { return LoadFromFile(path ? path : ""); }
