@@ -1,6 +1,10 @@
 // CLRColor: the 12-byte colour record, stored as it stands in palette files.
 // RGB-like models hold blue first, so their value bytes can go to a 24-bit
 // raster line unchanged.
+//
+// Offset 2 read as a little-endian u16 is the palette word: palette in the low
+// byte, subPalette in the high byte (261 = custom palette first taken from
+// TRUMATCH). A word of 5 means "custom, no origin".
 #pragma once
 
 #include <cstddef>
@@ -20,6 +24,19 @@ struct CLRColor {
 static_assert(sizeof(CLRColor) == 12, "CLRColor is a 12-byte file record");
 static_assert(offsetof(CLRColor, value6) == 6 && offsetof(CLRColor, value8) == 8);
 
+// Value bytes by model:
+//   1, 14  i16 ink index at 8, u16 tint percent at 10
+//   2      C M Y K percent at 8..11        3, 17  C M Y K 0..255 at 8..11
+//   4      C M Y at 8..10                  5      B G R at 8..10
+//   6      i16 hue at 8, S at 10, B at 11  7      i16 hue at 8, L at 10, S at 11
+//   8      i32 0 or 1 at 8                 9      grey at 8
+//   11     Y I Q at 8..10                  12     L, i8 a, i8 b at 8..10
+//   15     six inks at 6..11 (Yellow, Orange, Magenta, Cyan, Green, Black)
+//   18     L, a + 128, b + 128 at 8..10    19     X Y Z bytes at 8..10
+//   20     C M Y K at 8..11, all 100       21     B G R at 8..10, tint at 11
+//   22     u16 user-ink index at 8, tint at 10 (and at 4)
+//   23     u16 B at 6, u16 G at 8, u16 R at 10
+//   24     u16 grey at 8
 enum CLRModel : uint16_t {
   kCLRNone = 0,
   kCLRPantone = 1,
@@ -44,5 +61,101 @@ enum CLRModel : uint16_t {
   kCLRRGB48 = 23,
   kCLRGray16 = 24,
 };
+
+// Where a colour comes from. Codes 1..16 are also the palette catalogue's slots.
+enum CLRPaletteCode : uint8_t {
+  kCLRPalTrumatch = 1,
+  kCLRPalPantoneProcess = 2,
+  kCLRPalPantoneSpot = 3,
+  kCLRPalImage = 4,
+  kCLRPalUser = 5,
+  kCLRPalCustomFixed = 6,
+  kCLRPalRGBStd = 7,
+  kCLRPalFocoltone = 8,
+  kCLRPalDupont = 9,
+  kCLRPalToyo = 10,
+  kCLRPalDIC = 11,
+  kCLRPalHexachrome = 12,
+  kCLRPalLab = 13,
+  kCLRPalNetscape = 14,
+  kCLRPalExplorer = 15,
+  kCLRPalUserInks = 16,
+};
+
+// ---- byte access -----------------------------------------------------------
+// The record is a file format: multi-byte fields are little-endian whatever
+// the machine, so they are read and written byte by byte.
+
+inline uint8_t* CLRBytes(CLRColor* c) { return reinterpret_cast<uint8_t*>(c); }
+inline const uint8_t* CLRBytes(const CLRColor* c) { return reinterpret_cast<const uint8_t*>(c); }
+
+inline uint16_t CLRGetU16(const CLRColor* c, int offset) {
+  const uint8_t* b = CLRBytes(c) + offset;
+  return static_cast<uint16_t>(b[0] | (b[1] << 8));
+}
+inline int16_t CLRGetI16(const CLRColor* c, int offset) {
+  return static_cast<int16_t>(CLRGetU16(c, offset));
+}
+inline void CLRSetU16(CLRColor* c, int offset, uint32_t value) {
+  uint8_t* b = CLRBytes(c) + offset;
+  b[0] = static_cast<uint8_t>(value);
+  b[1] = static_cast<uint8_t>(value >> 8);
+}
+inline int32_t CLRGetI32(const CLRColor* c, int offset) {
+  const uint8_t* b = CLRBytes(c) + offset;
+  return static_cast<int32_t>(static_cast<uint32_t>(b[0]) | (static_cast<uint32_t>(b[1]) << 8) |
+                              (static_cast<uint32_t>(b[2]) << 16) |
+                              (static_cast<uint32_t>(b[3]) << 24));
+}
+inline void CLRSetI32(CLRColor* c, int offset, uint32_t value) {
+  uint8_t* b = CLRBytes(c) + offset;
+  for (int i = 0; i < 4; ++i) b[i] = static_cast<uint8_t>(value >> (8 * i));
+}
+inline uint16_t CLRPaletteWord(const CLRColor* c) { return CLRGetU16(c, 2); }
+inline void CLRSetPaletteWord(CLRColor* c, uint32_t word) { CLRSetU16(c, 2, word); }
+
+// ---- values and models ---------------------------------------------------------
+
+// The longest colour string is under 64 characters.
+constexpr size_t kCLRTextSize = 64;
+// Room for a shown palette-entry name: the longest prefix and a 32-byte name.
+constexpr size_t kCLRPaletteNameSize = 56;
+
+// Writes the colour string of color into buffer (cut to size - 1). A model-0
+// record is first stored back as model 2 (CMYK); models without a text form
+// give "".
+void CLRColorToText(CLRColor* color, char* buffer, size_t size = kCLRTextSize);
+
+// Reads a colour string into color. text is cut at its commas in place. A
+// string that cannot be read leaves white; "" keeps what color held (after
+// CLRValidate). Bytes the model does not use keep what they held. Returns 0
+// when the record became white because the string could not be read, else 1.
+int CLRColorFromText(CLRColor* color, char* text);
+
+// Repairs ranges by model. Returns 0 (record left as repaired so far) when a
+// PANTONE colour names an ink that does not exist, else 1.
+int CLRValidate(CLRColor* color);
+
+// Three-way comparison: models first (the CMYK family counts as one model),
+// then values, CMYK through one representation and HSB/HLS/Lab255 at the
+// precision they are shown in. Models 6 and 7 return the raw hue difference.
+int CLRCompare(const CLRColor* a, const CLRColor* b);
+bool CLRSame(const CLRColor* a, const CLRColor* b);
+
+// Model 5 white or black, palette word 5, bytes 4..7 zero; byte 11 is kept.
+void CLRSetWhite(CLRColor* color);
+void CLRSetBlack(CLRColor* color);
+// The failure form of a conversion: model 0, palette word 5, bytes 4..7 zero;
+// the value bytes are kept.
+void CLRSetFailure(CLRColor* color);
+
+bool CLRIsCMYKFamily(const CLRColor* color);  // model 2, 3 or 17
+bool CLRIsSpot(const CLRColor* color);
+int CLRSpotTint(const CLRColor* color);
+
+// The name shown for a palette entry: the palette's prefix and the stored
+// name (read to at most 32 bytes; it need not be terminated). out must hold
+// kCLRPaletteNameSize bytes. An empty result reads "unnamed color".
+void CLRPaletteName(char* out, const char* name, int palette);
 
 }  // namespace fancy
