@@ -41,7 +41,7 @@ int32_t TileRecordSize();
 // Writes the tile defaults into a new, zeroed record (head written) and
 // resets the tile state.
 int16_t TileCreateRecord(EffectHead* effect);
-// The prepare step's part: when the record names a source file, loads it into
+// The tile's share of the prepare step: when the record names a source file, loads it into
 // slot->loadedSource and copies its size to the record. Failures leave the
 // slot's source empty.
 void TileLoadSource(FilterRecord* record, RunSlot* slot, EffectHead* effect);

@@ -8,6 +8,7 @@
 #include "frame/host_bridge.h"
 #include "frame/module_state.h"
 #include "frame/result_codes.h"
+#include "support/config_folder.h"
 #include "support/message_boxes.h"
 #include "support/test_host.h"
 
@@ -21,6 +22,8 @@ using testing::TestHost;
 class RowsTest : public ::testing::Test {
  protected:
   void SetUp() override { ModuleShutdown(); }
+  void TearDown() override { ModuleShutdown(); }
+  testing::ConfigFolder config_;
   MessageBoxRecorder boxes_;
 };
 
@@ -90,26 +93,6 @@ TEST_F(RowsTest, TileAsksForChunksOfRowsPerChunk) {
   EXPECT_EQ(bottoms, (std::vector<int16_t>{3, 6, 7}));
   EXPECT_EQ(host.Call(kSelectorFinish), 0);
   EXPECT_EQ(host.image(), before);
-}
-
-TEST_F(RowsTest, PassRowsThroughRespectsRowBytes) {
-  FilterRecord record{};
-  record.inRect = record.outRect = Rect16{0, 0, 2, 3};
-  record.inHiPlane = record.outHiPlane = 1;
-  std::vector<uint8_t> in(2 * 10), out(2 * 12, 0xEE);
-  for (size_t i = 0; i < in.size(); ++i) in[i] = static_cast<uint8_t>(i);
-  record.inData = in.data();
-  record.inRowBytes = 10;
-  record.outData = out.data();
-  record.outRowBytes = 12;
-  PassRowsThrough(&record);
-  for (int y = 0; y < 2; ++y) {
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(out[y * 12 + i], in[y * 10 + i]);
-    for (int i = 6; i < 12; ++i) EXPECT_EQ(out[y * 12 + i], 0xEE) << "past the row's data";
-  }
-  // Missing buffers are not written through.
-  record.outData = nullptr;
-  PassRowsThrough(&record);
 }
 
 TEST_F(RowsTest, HostExtensionIsHeadedAndAskedOnlyWhereOffered) {

@@ -26,6 +26,7 @@ class MessageBoxRecorder {
 
   void Answer(int button) { answers_.push_back(button); }
   const std::vector<RecordedBox>& boxes() const { return boxes_; }
+  void Clear() { boxes_.clear(); }
 
  private:
   std::vector<RecordedBox> boxes_;

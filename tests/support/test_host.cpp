@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "frame/block.h"
 #include "frame/entry.h"
 #include "frame/module_handle.h"
 
@@ -82,7 +83,10 @@ TestHost::~TestHost() {
   // The host owns what is in `parameters` and frees it when it closes.
   if (record_.parameters) ModuleHandleFree(record_.parameters);
   for (char** block : orphans_) ModuleHandleFree(block);
-  if (data_) ADD_FAILURE() << "the module left a RunSlot in the data slot";
+  if (data_) {
+    ADD_FAILURE() << "the module left a RunSlot in the data slot";
+    BlockFree(reinterpret_cast<void*>(data_));
+  }
   gActiveHost = nullptr;
 }
 
