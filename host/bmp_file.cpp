@@ -1,5 +1,7 @@
 #include "bmp_file.h"
 
+#include <algorithm>
+
 #include "bytes.h"
 
 namespace fancy {
@@ -68,16 +70,23 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
   if (topDown) height = -height;
   if (!CheckPictureSize(width, height, error)) return false;
 
-  // The palette sits between the headers and the pixels.
+  // The palette sits between the headers and the pixels. Without a count
+  // it is as long as the depth allows, or as the room before the pixels
+  // (writers of the core form often shorten it).
+  uint64_t paletteStart = kFileHeaderSize + uint64_t(headerSize);
   uint32_t paletteCount = 0;
   if (bits <= 8) {
     uint32_t most = 1u << bits;
-    paletteCount = coloursUsed == 0 ? most : coloursUsed;
+    paletteCount = coloursUsed;
+    if (coloursUsed == 0) {
+      uint64_t room = pixelOffset > paletteStart ? (pixelOffset - paletteStart) / paletteEntryBytes : 0;
+      paletteCount = uint32_t(std::min<uint64_t>(most, room));
+    }
     if (paletteCount > most)
       return Fail(error, "the BMP header is damaged: it gives " + std::to_string(coloursUsed) +
                              " palette colours for " + std::to_string(bits) + " bits a pixel");
+    if (paletteCount == 0) return Fail(error, "the BMP file has no palette");
   }
-  uint64_t paletteStart = kFileHeaderSize + uint64_t(headerSize);
   uint64_t paletteEnd = paletteStart + uint64_t(paletteCount) * paletteEntryBytes;
   if (paletteEnd > size) return Fail(error, "the BMP file is truncated in its palette");
   if (pixelOffset < paletteEnd)

@@ -28,12 +28,28 @@ bool Empty(const Rect16& r) { return r.bottom <= r.top || r.right <= r.left; }
 void Trace(const FilterHost* host, const char* format, ...) __attribute__((format(printf, 2, 3)));
 void Trace(const FilterHost* host, const char* format, ...) {
   if (!host->settings.trace) return;
+  char line[256];
   va_list args;
   va_start(args, format);
-  std::vfprintf(host->settings.traceOut, format, args);
+  std::vsnprintf(line, sizeof line, format, args);
   va_end(args);
-  std::fputc('\n', host->settings.traceOut);
+  if (host->inCall) {
+    const_cast<FilterHost*>(host)->pendingTrace.append(line).push_back('\n');
+    return;
+  }
+  std::fprintf(host->settings.traceOut, "%s\n", line);
   std::fflush(host->settings.traceOut);
+}
+
+// After a call: its own line, then the events that happened inside it.
+void TraceCall(FilterHost* host, int16_t selector, int16_t result) {
+  host->inCall = false;
+  Trace(host, "call %d result %d", selector, result);
+  if (!host->pendingTrace.empty()) {
+    std::fputs(host->pendingTrace.c_str(), host->settings.traceOut);
+    std::fflush(host->settings.traceOut);
+    host->pendingTrace.clear();
+  }
 }
 
 void TraceRequest(const FilterHost* host) {
@@ -317,8 +333,9 @@ FilterRunResult FilterHostRun(FilterHost* host, const EffectCall& call, intptr_t
   ProgressBarInit(&host->bar, "fancyhost", host->settings.quiet);
   auto select = [&](int16_t selector) {
     int16_t result = 0;
+    host->inCall = true;
     call(selector, &host->record, data, &result);
-    Trace(host, "call %d result %d", selector, result);
+    TraceCall(host, selector, result);
     return result;
   };
 

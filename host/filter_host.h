@@ -65,6 +65,11 @@ struct FilterHost {
   Rect16 deliveredOut{};
   int16_t deliveredOutLo = 0, deliveredOutHi = -1;
 
+  // Trace lines of events inside a call wait here, so that they follow the
+  // line of the call they belong to.
+  bool inCall = false;
+  std::string pendingTrace;
+
   std::string failure;  // a request the host could not serve
   ProgressBar bar;
 };
