@@ -151,11 +151,18 @@ bool ParseCommandLine(const std::vector<std::string>& args, CommandLine* line, s
   }
   if (verb == "sample") {
     line->command = Command::kSample;
-    if (args.size() != 2 && args.size() != 4) return Fail(error, "sample wants OUTPUT [WIDTH HEIGHT]");
-    line->samplePath = args[1];
-    if (args.size() == 4 &&
-        (!ParseInt(args[2], 16, 8192, &line->sampleWidth) ||
-         !ParseInt(args[3], 16, 8192, &line->sampleHeight)))
+    std::vector<std::string> positional;
+    for (size_t i = 1; i < args.size(); ++i) {
+      if (args[i] == "--mask" && i + 1 < args.size()) line->sampleMaskPath = args[++i];
+      else if (!args[i].empty() && args[i][0] == '-') return Fail(error, "unknown option " + args[i]);
+      else positional.push_back(args[i]);
+    }
+    if (positional.size() != 1 && positional.size() != 3)
+      return Fail(error, "sample wants OUTPUT [WIDTH HEIGHT] [--mask FILE]");
+    line->samplePath = positional[0];
+    if (positional.size() == 3 &&
+        (!ParseInt(positional[1], 16, 8192, &line->sampleWidth) ||
+         !ParseInt(positional[2], 16, 8192, &line->sampleHeight)))
       return Fail(error, "sample sizes are 16..8192");
     return true;
   }
@@ -171,7 +178,8 @@ const char* UsageText() {
       "  about EFFECT [--module PATH]          the effect's about box\n"
       "  setup [DIR]                           create a configuration folder and point the\n"
       "                                        registry stand-in at it\n"
-      "  sample OUTPUT [WIDTH HEIGHT]          draw the sample picture\n"
+      "  sample OUTPUT [WIDTH HEIGHT] [--mask FILE]\n"
+      "                                        draw the sample picture (and a selection)\n"
       "\n"
       "EFFECT is brushka (200), tessaris (201), glass (202) or knurl (203). The module\n"
       "exports entries for Paint Brushka and Tessaris only, and fancyhost loads it for\n"

@@ -34,6 +34,7 @@ struct CommandLine {
   ApplyOptions apply;      // apply, and the effect and module of about
   std::string setupDir;    // setup: the folder, empty for the default
   std::string samplePath;  // sample: the file to write
+  std::string sampleMaskPath;  // sample --mask: a selection to go with it
   int32_t sampleWidth = 768, sampleHeight = 512;
 };
 

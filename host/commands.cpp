@@ -82,6 +82,15 @@ int RunSample(const CommandLine& line) {
                  error.c_str());
     return kExitFile;
   }
+  if (line.sampleMaskPath.empty()) return kExitSuccess;
+  FileFormat maskFormat = FormatFromName(line.sampleMaskPath);
+  HostImage mask = DrawSampleMask(line.sampleWidth, line.sampleHeight);
+  if (maskFormat == FileFormat::kUnknown || !EncodePicture(mask, maskFormat, &bytes, &error) ||
+      !WriteOutput(line.sampleMaskPath, bytes, &error)) {
+    std::fprintf(stderr, "fancyhost: cannot write %s: %s\n", line.sampleMaskPath.c_str(),
+                 error.c_str());
+    return kExitFile;
+  }
   return kExitSuccess;
 }
 

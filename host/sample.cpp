@@ -63,7 +63,7 @@ Rgb Scene(double u, double v, double aspect) {
   cloud = std::clamp((cloud - 0.52) * 3.0, 0.0, 1.0) * (1.0 - Smooth(v / horizon) * 0.6);
   colour = Mix(colour, Mix({250, 240, 235}, {150, 120, 140}, v * 1.4), cloud * 0.85);
   // Far mountains, hazy blue.
-  double ridge = 0.42 + 0.10 * Fbm(u * 3.0 * aspect, 0.5, 23, 5);
+  double ridge = 0.47 - 0.30 * std::max(0.0, Fbm(u * 1.6 * aspect, 0.5, 23, 6) - 0.35);
   if (v > ridge) {
     double rock = Fbm(u * 30.0 * aspect, v * 30.0, 31, 4);
     Rgb mountain = Mix({92, 104, 142}, {130, 130, 160}, rock);
@@ -117,6 +117,26 @@ HostImage DrawSample(int32_t width, int32_t height) {
     }
   }
   return image;
+}
+
+HostImage DrawSampleMask(int32_t width, int32_t height) {
+  HostImage mask;
+  mask.width = width;
+  mask.height = height;
+  mask.mode = PixelMode::kGrey;
+  mask.planes = 1;
+  mask.pixels.resize(size_t(width) * size_t(height));
+  const double cx = width * 0.5, cy = height * 0.5;
+  const double radius = std::min(width, height) * 0.22, soft = std::max(1.5, radius * 0.04);
+  for (int32_t y = 0; y < height; ++y)
+    for (int32_t x = 0; x < width; ++x) {
+      double d = std::hypot(x + 0.5 - cx, y + 0.5 - cy);
+      double disc = std::clamp((radius - d) / soft, 0.0, 1.0);
+      double ringDistance = std::abs(d - radius * 1.6) - radius * 0.18;
+      double ring = std::clamp(-ringDistance / soft, 0.0, 1.0);
+      mask.Pixel(x, y)[0] = uint8_t(std::lround(std::max(disc, ring) * 255.0));
+    }
+  return mask;
 }
 
 }  // namespace fancy

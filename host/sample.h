@@ -12,4 +12,8 @@ namespace fancy {
 // An RGB picture; the same size always gives the same pixels.
 HostImage DrawSample(int32_t width, int32_t height);
 
+// A grey selection for the sample: a soft-edged disc and a ring around it,
+// the kind of shape the relief effects raise.
+HostImage DrawSampleMask(int32_t width, int32_t height);
+
 }  // namespace fancy
