@@ -34,9 +34,9 @@ int RunList(const ApplyOptions& o) {
                  error.c_str());
     return kExitEffectFailed;
   }
-  std::printf("%-8s %-6s %-12s %-16s %s\n", "entry", "effect", "category", "menu", "name");
+  std::printf("%-12s %-6s %-10s %-14s %s\n", "entry", "effect", "category", "menu", "name");
   for (const ResourceEffect& e : effects)
-    std::printf("%-8s %-6d %-12s %-16s %s\n", e.entry.c_str(), e.filterId, e.category.c_str(),
+    std::printf("%-12s %-6d %-10s %-14s %s\n", e.entry.c_str(), e.filterId, e.category.c_str(),
                 e.menuName.c_str(), e.infoLine.c_str());
   std::printf("\nGlass (202) and The Knurl (203) have no entry: fancyhost runs them through\n"
               "the frame built into itself.\n");
