@@ -39,16 +39,17 @@ const char* FindString(uint32_t id) {
   return nullptr;
 }
 
-const char* LoadTempString(uint32_t id) {
-  const char* text = FindString(id);
+const char* CopyTempString(const char* text) {
   if (!text) text = "";
   size_t length = std::min(std::strlen(text), kTempStringMax - 1);
   if (gTempStringNext + length + 1 > kTempStringBuffer) gTempStringNext = 0;
   char* out = gTempStrings + gTempStringNext;
-  std::memcpy(out, text, length);
+  std::memmove(out, text, length);  // text may itself lie in the buffer
   out[length] = '\0';
   gTempStringNext += length + 1;
   return out;
 }
+
+const char* LoadTempString(uint32_t id) { return CopyTempString(FindString(id)); }
 
 }  // namespace fancy

@@ -16,4 +16,8 @@ const char* FindString(uint32_t id);
 // such strings may be held at once, not many. An absent id gives "".
 const char* LoadTempString(uint32_t id);
 
+// Copies text into the same rotating buffer under the same rules (null reads
+// as ""); for texts that are put together before they are shown.
+const char* CopyTempString(const char* text);
+
 }  // namespace fancy

@@ -26,9 +26,10 @@ void SplitPath(const char* path, char* drive, char* dir, char* fname, char* ext)
 
 bool IsPathSeparator(char c);
 bool IsAbsolutePath(const char* path);
-// dir + separator (if dir lacks one) + name.
+// dir + separator (if dir lacks one) + name; an empty dir gives name.
 std::string JoinPath(const std::string& dir, const std::string& name);
-// Appends a separator to buffer (of capacity size) if it has none; false if no room.
+// Appends a separator to buffer (of capacity size) if it has none; false if no
+// room. An empty buffer stays empty (it names no folder).
 bool AddTrailingSeparator(char* buffer, size_t size);
 
 }  // namespace fancy

@@ -1,7 +1,8 @@
-// The registry. On Windows the real registry is read; elsewhere a profile file
-// stands in for it: its section is the key path (as "HKEY_LOCAL_MACHINE\\
-// SOFTWARE\\Tavin\\..."), its keys the value names. The stand-in file is, in
-// order: the path set by RegistrySetStorePath, else
+// The registry. On Windows the real registry is read (unless
+// RegistrySetStorePath named a file); elsewhere a profile file stands in for
+// it: its section is the key path, as
+// "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavin\\...", its keys the value names. The
+// stand-in file is, in order: the path set by RegistrySetStorePath, else
 // $XDG_CONFIG_HOME/Tavin/registry.ini, else $HOME/.config/Tavin/registry.ini.
 #pragma once
 
@@ -10,8 +11,9 @@
 
 namespace fancy {
 
-// Reads a string value. Returns false when the key or the value is absent
-// (the registry read failed); the buffer then holds "".
+// Reads a string value. Returns false when the key or the value is absent,
+// or the value does not fit in size - 1 characters (the registry read
+// failed); the buffer then holds "".
 bool RegistryReadString(const char* keyPath, const char* valueName, char* buffer, uint32_t size);
 
 // Writes a string value (used by the host stand-in's set-up and by tests).
