@@ -160,9 +160,12 @@ int RunApply(const ApplyOptions& o) {
   FilterRunResult run = FilterHostRun(&host, EffectCaller(module, o.filterId), &data);
   gParameters = host.record.parameters;
 
-  if (run.interrupted || run.result == kErrUserCancelled)
-    return Say(kExitCancelled, "cancelled (%d, %s); nothing written", run.result,
-               ResultMeaning(run.result));
+  if (run.result == kErrUserCancelled)
+    return Say(kExitCancelled, "%s was cancelled (%d); nothing written", EffectName(o.filterId),
+               run.result);
+  if (run.interrupted)  // the effect did not ask in time, but the user has spoken
+    return Say(kExitCancelled, "interrupted; %s ended with %d (%s); nothing written",
+               EffectName(o.filterId), run.result, ResultMeaning(run.result));
   if (run.hostFailure) return Say(kExitEffectFailed, "%s; nothing written", host.failure.c_str());
   if (run.result != kNoError)
     return Say(kExitEffectFailed, "%s stopped with code %d (%s); nothing written",
