@@ -29,7 +29,7 @@ int RunList(const ApplyOptions& o) {
   if (!OpenModule(o, &module)) return kExitFile;
   std::vector<ResourceEffect> effects;
   std::string error;
-  if (!ParseResourceTable(module.resourceTable, &effects, &error)) {
+  if (!ParseResourceTable(module.resourceTable, module.resourceTableSize, &effects, &error)) {
     std::fprintf(stderr, "fancyhost: the module's resource table is unreadable: %s\n",
                  error.c_str());
     return kExitEffectFailed;

@@ -1,6 +1,10 @@
 #include "effect_module.h"
 
 #include <unistd.h>
+#if defined(__GLIBC__)
+#include <dlfcn.h>
+#include <link.h>
+#endif
 
 #include <climits>
 
@@ -26,8 +30,15 @@ bool EffectModuleOpen(const std::string& path, EffectModule* module, std::string
   }
   module->entry1 = reinterpret_cast<PluginEntry>(DynamicLibrarySymbol(&module->library, "ENTRYPOINT1"));
   module->entry2 = reinterpret_cast<PluginEntry>(DynamicLibrarySymbol(&module->library, "ENTRYPOINT2"));
-  module->resourceTable =
-      DynamicLibrarySymbol(&module->library, "FancyResourceTable");
+  module->resourceTable = DynamicLibrarySymbol(&module->library, "FancyResourceTable");
+#if defined(__GLIBC__)
+  // The symbol's size, so that a table smaller than its record is not read.
+  Dl_info info;
+  void* entry = nullptr;
+  if (module->resourceTable && dladdr1(module->resourceTable, &info, &entry, RTLD_DL_SYMENT) &&
+      entry)
+    module->resourceTableSize = static_cast<const ElfW(Sym)*>(entry)->st_size;
+#endif
   if (!module->entry1 || !module->entry2) {
     *error = "the module " + path + " does not export ENTRYPOINT1 and ENTRYPOINT2";
     DynamicLibraryClose(&module->library);

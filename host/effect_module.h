@@ -22,6 +22,7 @@ struct EffectModule {
   PluginEntry entry1 = nullptr;  // Paint Brushka
   PluginEntry entry2 = nullptr;  // Tessaris
   const void* resourceTable = nullptr;
+  size_t resourceTableSize = 0;  // bytes of the symbol, when the loader tells; else 0
 };
 
 // fancy.so beside the fancyhost program.

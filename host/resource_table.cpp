@@ -9,10 +9,14 @@ constexpr uint32_t kMaxEntries = 64;
 std::string Text(const char* text) { return text ? text : ""; }
 }  // namespace
 
-bool ParseResourceTable(const void* table, std::vector<ResourceEffect>* effects,
+bool ParseResourceTable(const void* table, size_t size, std::vector<ResourceEffect>* effects,
                         std::string* error) {
   if (!table) {
     *error = std::string("the module exports no ") + kFancyResourceSymbol;
+    return false;
+  }
+  if (size != 0 && size < sizeof(FancyResources)) {
+    *error = "the table has " + std::to_string(size) + " bytes, too few for its record";
     return false;
   }
   const auto* resources = static_cast<const FancyResources*>(table);

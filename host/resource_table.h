@@ -2,6 +2,7 @@
 // entry, with the effect's number, menu category, menu name and name.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,9 @@ struct ResourceEffect {
   std::string infoLine;
 };
 
-// table is the address of the exported symbol; checks the version and
-// count before reading the rows.
-bool ParseResourceTable(const void* table, std::vector<ResourceEffect>* effects,
+// table is the address of the exported symbol and size its size in bytes
+// (0 when unknown); checks the size, version and count before reading rows.
+bool ParseResourceTable(const void* table, size_t size, std::vector<ResourceEffect>* effects,
                         std::string* error);
 
 }  // namespace fancy
