@@ -7,6 +7,8 @@
 #include "effect_module.h"
 #include "exit_codes.h"
 #include "filter_host.h"
+#include "frame/effect_hooks.h"
+#include "frame/effect_record.h"
 #include "frame/result_codes.h"
 #include "image_file.h"
 #include "interrupt.h"
@@ -34,8 +36,16 @@ int Say(int code, const char* format, ...) {
 // it from run to run; a global keeps it reachable to the end.
 char** gParameters = nullptr;
 
-// The size of the block in parameters, for saving it.
-size_t ParamsBlockSize(int32_t) { return 0; }
+// The size of each effect's parameters block, as the module makes it.
+size_t ParamsBlockSize(int32_t filterId) {
+  switch (filterId) {
+    case kFilterBrushka: return sizeof(StrokeRecord);
+    case kFilterTessaris: return size_t(TileRecordSize());
+    case kFilterGlass:
+    case kFilterKnurl: return size_t(ReliefRecordSize(filterId));
+  }
+  return 0;
+}
 
 int LoadParams(const ApplyOptions& o) {
   std::vector<uint8_t> bytes;
