@@ -149,18 +149,5 @@ TEST_F(MergeArithmetic, ProcessorClassAndFeatures) {
   EXPECT_NE(CpuFeatures(), 0u);
 }
 
-TEST(ImagingStart, CountsStartsAndStops) {
-  int before = gImaging.initCount;
-  ImagingInit();
-  ImagingInit();
-  EXPECT_EQ(gImaging.initCount, before + 2);
-  EXPECT_EQ(DivTable()[65025], 255);
-  ImagingShutdown();
-  ImagingShutdown();
-  EXPECT_EQ(gImaging.initCount, before);
-  ImagingShutdown();  // one stop too many is harmless
-  EXPECT_GE(gImaging.initCount, 0);
-}
-
 }  // namespace
 }  // namespace fancy

@@ -372,25 +372,6 @@ TEST_F(MergeKernels, LabColourFamilyTakesTheLighterPixelInBothChoiceModes) {
   }
 }
 
-TEST_F(MergeKernels, NamedEdges) {
-  Coverage cov{nullptr, nullptr, 255};
-  auto one = [&](int type, int bits, int mode, uint8_t d, uint8_t s) {
-    FindMergeRow(type, bits, mode)->kernels[0](nullptr, 1, &d, &s, &cov);
-    return int{d};
-  };
-  EXPECT_EQ(one(5, 8, 10, 0, 0), 255);      // Divide by 0, also of 0
-  EXPECT_EQ(one(5, 8, 29, 128, 255), 255);  // Overlay's upper branch at 128
-  EXPECT_EQ(one(5, 8, 29, 128, 0), 1);      // 255 - T[254 x 255]
-  for (int mode : {22, 23}) {
-    for (const Layout& layout : kByteLayouts)
-      EXPECT_EQ(FindMergeRow(layout.type, layout.bits, mode)->kernels[0], &NoOpMergeKernel);
-  }
-  // IfDarker of two equal pixels takes the source: a masked variant blends.
-  uint8_t d[3] = {10, 20, 30}, s[3] = {10, 20, 30};
-  FindMergeRow(1, 24, 12)->kernels[0](nullptr, 1, d, s, &cov);
-  EXPECT_EQ(0, std::memcmp(d, s, 3));
-}
-
 // Bits: each pixel of the result is the mode's bit function, where coverage
 // is not 0, at any starting bit of source and destination.
 TEST_F(MergeKernels, BitKernelsWorkPixelByPixelAtAnyBitOffset) {
