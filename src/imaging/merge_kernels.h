@@ -32,7 +32,9 @@ template <class Op, int Col, int N>
 FANCY_KERNEL_INLINE void ChanStretch(uint8_t* d, const uint8_t* s, size_t n, const Coverage* cov,
                                      size_t first) {
   const size_t bytes = n * N;
-  if constexpr (Col == 0) {
+  if constexpr (Col == 0 && requires { Op::kIgnoresSource; }) {
+    for (size_t i = 0; i < bytes; ++i) d[i] = static_cast<uint8_t>(Op::F(d[i], 0));
+  } else if constexpr (Col == 0) {
     for (size_t i = 0; i < bytes; ++i) d[i] = static_cast<uint8_t>(Op::F(d[i], s[i]));
   } else if constexpr (Col == 2) {
     const uint32_t m = cov->opacity;

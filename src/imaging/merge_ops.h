@@ -39,6 +39,7 @@ struct OpAndNot {
   FANCY_LERP_COVER
 };
 struct OpInvertDest {
+  static constexpr bool kIgnoresSource = true;  // column 0 may be handed no source row
   FANCY_KERNEL_INLINE static uint32_t F(uint32_t d, uint32_t) { return 255 - d; }
   FANCY_LERP_COVER
 };

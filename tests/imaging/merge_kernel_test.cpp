@@ -372,6 +372,20 @@ TEST_F(MergeKernels, LabColourFamilyTakesTheLighterPixelInBothChoiceModes) {
   }
 }
 
+TEST_F(MergeKernels, InvertDestNeedsNoSourceRow) {
+  for (const Layout& layout : {Layout{1, 24, 3}, Layout{3, 32, 4}, Layout{5, 8, 1}, Layout{11, 24, 3}}) {
+    Bytes d = {0, 1, 128, 255};
+    d.resize(static_cast<size_t>(layout.bytes) * 4, 7);
+    Bytes want = d;
+    for (auto& v : want) v = static_cast<uint8_t>(255 - v);
+    FindMergeRow(layout.type, layout.bits, 5)->kernels[0](nullptr, 4, d.data(), nullptr, nullptr);
+    EXPECT_EQ(d, want) << layout.type;
+  }
+  uint8_t bits = 0x0F;
+  FindMergeRow(6, 1, 5)->kernels[0](nullptr, 8, &bits, nullptr, nullptr);
+  EXPECT_EQ(bits, 0xF0);
+}
+
 // Bits: each pixel of the result is the mode's bit function, where coverage
 // is not 0, at any starting bit of source and destination.
 TEST_F(MergeKernels, BitKernelsWorkPixelByPixelAtAnyBitOffset) {
