@@ -34,6 +34,10 @@ bool AxisFromEdges(int32_t a, int32_t b, CompositeAxis* axis) {
 
 int32_t Clamp32(int64_t v) { return static_cast<int32_t>(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); }
 
+Rect Shifted(const Rect& r, int64_t dx, int64_t dy) {
+  return Rect{Clamp32(r.left + dx), Clamp32(r.bottom + dy), Clamp32(r.right + dx), Clamp32(r.top + dy)};
+}
+
 // The pixels an axis covers, ordered.
 void AxisRange(const CompositeAxis& a, int32_t* lo, int32_t* hi) {
   int64_t far = a.dir > 0 ? int64_t{a.first} + a.count - 1 : int64_t{a.first} - a.count + 1;
@@ -266,12 +270,14 @@ int RunComposite(CompositeState* s) {
   if (!ClipTo(dst, s->dstRuns, s->dstMask, &d) || !ClipTo(src, s->srcRuns, s->srcMask, &c))
     return 1;
   if (!s->scaling) {
-    s->offsetX = s->sx.first - s->dx.first;
-    s->offsetY = s->sy.first - s->dy.first;
-    Rect mapped{c.left - s->offsetX, c.bottom - s->offsetY, c.right - s->offsetX,
-                c.top - s->offsetY};
-    if (!RectIntersect(d, mapped, &d)) return 1;
-    c = Rect{d.left + s->offsetX, d.bottom + s->offsetY, d.right + s->offsetX, d.top + s->offsetY};
+    // Clipped rectangles lie in their images: an offset past 32 bits can
+    // bring nothing of the source over the target.
+    int64_t ox = int64_t{s->sx.first} - s->dx.first, oy = int64_t{s->sy.first} - s->dy.first;
+    if (ox != Clamp32(ox) || oy != Clamp32(oy)) return 1;
+    s->offsetX = static_cast<int32_t>(ox);
+    s->offsetY = static_cast<int32_t>(oy);
+    if (!RectIntersect(d, Shifted(c, -ox, -oy), &d)) return 1;
+    c = Shifted(d, ox, oy);
   } else if (!RectIntersect(d, DrawContextReverseMapRect(&s->scale, c), &d)) {
     return 1;
   }
@@ -311,7 +317,9 @@ int RunComposite(CompositeState* s) {
     s->kernels[1] = row->kernels[kColumnMaskOpacity];
     s->kernels[2] = row->kernels[kColumnTwoMasksOpacity];
   }
-  if (!CopyOverlappingSource(s) || !GatherCoverage(s)) return 0;
+  // The source's masks are taken where the caller's source lies, before a
+  // copy of it moves the source's coordinates.
+  if (!GatherCoverage(s) || !CopyOverlappingSource(s)) return 0;
   return WalkTiles(s);
 }
 

@@ -259,6 +259,7 @@ bool InvertApplies(const CompositeState* s) {
 
 int InvertInPlace(CompositeState* s) {
   Image* dst = s->dst;
+  if (!dst->tiles) return 0;
   const Rect& clip = s->dstClip;
   const int32_t bytes = ImagePixelBytes(dst);
   const int32_t c0 = clip.left / dst->tileWidth, c1 = clip.right / dst->tileWidth;
@@ -330,6 +331,14 @@ int ScaleCopy(CompositeState* s) {
     const TileCell& first = dst->tiles[r][c0];
     int32_t top = std::max(clip.top, first.top), bottom = std::min(clip.bottom, first.bottom);
     for (int32_t y = top; y <= bottom && result; ++y) {
+      // One cell holding the whole row takes it straight from the resampler.
+      if (held == 1 && band[0]->left <= clip.left && band[0]->right >= clip.right) {
+        if (!ResamplerRowInto(&s->resampler, y, CellPixelAddress(band[0], clip.left, y, dst->bitsPerPixel)))
+          result = 0;
+        else if (!ProgressTickerAdvance(&ticker, int64_t{y} - clip.top + 1))
+          result = 0;
+        continue;
+      }
       const uint8_t* row = ResamplerRow(&s->resampler, y);
       if (!row) {
         result = 0;

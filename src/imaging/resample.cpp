@@ -34,13 +34,6 @@ Divider MakeDivider(uint64_t divisor, uint64_t largestDividend) {
   return d;
 }
 
-uint64_t Divider::Divide(uint64_t n) const {
-#if defined(__SIZEOF_INT128__)
-  if (magic) return static_cast<uint64_t>((static_cast<unsigned __int128>(n) * magic) >> 64);
-#endif
-  return n / divisor;
-}
-
 namespace {
 
 // ---- channel access ------------------------------------------------------------
@@ -116,51 +109,32 @@ void ShrinkRow(const Resampler* r, const uint8_t* src, const uint8_t* mask, int6
 }
 
 // Target pixels of a growing axis: centred linear interpolation in half
-// steps, the ends replicated.
+// steps, the ends replicated. The left source pixel and the right one's
+// weight of each target pixel come from the tables made at opening.
 template <int C, bool Wide, bool Masked>
 void GrowRow(const Resampler* r, const uint8_t* src, const uint8_t* mask, int64_t base,
              uint8_t* out, int64_t i0, int32_t n) {
-  const int64_t sn = r->setup.x.srcCount, dn = r->setup.x.dstCount;
-  const int64_t twoD = 2 * dn, twoS = 2 * sn;
-  int64_t t = (2 * i0 + 1) * sn - dn;  // the centre, from the first source centre
-  int64_t idx = 0, f = 0;
-  bool placed = false;
-  auto copy = [&](int32_t k, int64_t j) {
-    int64_t at = j - base;
-    if (Masked && !mask[at]) return;
-    for (int c = 0; c < C; ++c) SetChan<Wide>(out, int64_t{k} * C + c, Chan<Wide>(src, at * C + c));
-  };
-  for (int32_t k = 0; k < n; ++k, t += twoS) {
-    if (t < 0) {
-      copy(k, 0);
-      continue;
-    }
-    if (!placed) {
-      idx = t / twoD;
-      f = t % twoD;
-      placed = true;
-    } else {
-      f += twoS;
-      while (f >= twoD) {
-        f -= twoD;
-        ++idx;
-      }
-    }
-    if (idx + 1 > sn - 1) {
-      copy(k, sn - 1);
-      continue;
-    }
-    int64_t a = idx - base, b = a + 1;
-    uint64_t wa = static_cast<uint64_t>(twoD - f), wb = static_cast<uint64_t>(f);
+  const uint64_t twoD = 2 * static_cast<uint64_t>(r->setup.x.dstCount);
+  const int32_t* index = r->growIndex.data() + (i0 - r->logicalFirst);
+  const uint32_t* weight = r->growWeight.data() + (i0 - r->logicalFirst);
+  for (int32_t k = 0; k < n; ++k) {
+    const int64_t a = index[k] - base;
+    const int64_t b = weight[k] ? a + 1 : a;  // a right pixel of no weight is not read
+    uint64_t wb = weight[k], wa = twoD - wb;
     if constexpr (Masked) {
       if (!mask[a]) wa = 0;
       if (!mask[b]) wb = 0;
       uint64_t total = wa + wb;
-      if (!total) continue;
+      if (!total) continue;  // nothing weighs here: the pixel stays
       for (int c = 0; c < C; ++c) {
         uint64_t v = Chan<Wide>(src, a * C + c) * wa + Chan<Wide>(src, b * C + c) * wb;
         SetChan<Wide>(out, int64_t{k} * C + c, v / total);
       }
+    } else if constexpr (!Wide) {
+      const uint8_t* pa = src + a * C;
+      const uint8_t* pb = src + b * C;
+      uint8_t* o = out + int64_t{k} * C;
+      for (int c = 0; c < C; ++c) o[c] = static_cast<uint8_t>(r->growDivider.Divide(pa[c] * wa + pb[c] * wb));
     } else {
       for (int c = 0; c < C; ++c) {
         uint64_t v = Chan<Wide>(src, a * C + c) * wa + Chan<Wide>(src, b * C + c) * wb;
@@ -382,7 +356,7 @@ void Blend2(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t n, bool wid
   }
 }
 
-const uint8_t* SmoothRow(Resampler* r, int32_t y) {
+const uint8_t* SmoothRow(Resampler* r, int32_t y, uint8_t* out) {
   const ResampleAxis& ay = r->setup.y;
   const int64_t d = int64_t{y - ay.dstFirst} * ay.dstDir;
   const VerticalPlan plan = PlanRows(ay, d);
@@ -390,7 +364,6 @@ const uint8_t* SmoothRow(Resampler* r, int32_t y) {
   const int32_t channels = r->pixel.channels;
   const bool wide = r->pixel.wide != 0;
   const size_t values = static_cast<size_t>(r->width) * channels;
-  uint8_t* out = r->rowImage.data();
 
   if (plan.first == plan.last) {
     const uint8_t* row = HorizontalRow(r, ClampRow(ay, plan.first), nullptr);
@@ -541,6 +514,33 @@ bool BuildColumnMap(Resampler* r) {
   return true;
 }
 
+// For each target pixel of a growing axis: the source pixel left of its
+// centre and the weight of the one to the right, in units of 1 / (2 dstW);
+// the centre is (2i + 1) x srcW in those units, the first source centre at
+// dstW. Before the first centre and past the last the end pixel is taken.
+bool BuildGrowTables(Resampler* r) {
+  const int64_t sn = r->setup.x.srcCount, dn = r->setup.x.dstCount;
+  if (!r->growIndex.Allocate(static_cast<size_t>(r->width)) ||
+      !r->growWeight.Allocate(static_cast<size_t>(r->width)))
+    return false;
+  for (int32_t k = 0; k < r->width; ++k) {
+    int64_t i = int64_t{r->logicalFirst} + k;
+    int64_t t = (2 * i + 1) * sn - dn;
+    int64_t index = 0, weight = 0;
+    if (t >= 0) {
+      index = t / (2 * dn);
+      weight = t % (2 * dn);
+      if (index + 1 > sn - 1) {
+        index = sn - 1;
+        weight = 0;
+      }
+    }
+    r->growIndex[k] = static_cast<int32_t>(index);
+    r->growWeight[k] = static_cast<uint32_t>(weight);
+  }
+  return true;
+}
+
 bool ValidAxis(const ResampleAxis& a) {
   return a.srcCount > 0 && a.dstCount > 0 && (a.srcDir == 1 || a.srcDir == -1) &&
          (a.dstDir == 1 || a.dstDir == -1) && a.srcLo >= 0 && a.srcLo <= a.srcHi &&
@@ -574,6 +574,7 @@ int ResamplerOpen(Resampler* r, const ResampleSetup& setup) {
   if (r->filter != 2) return BuildColumnMap(r) ? 1 : 0;
 
   const int64_t sn = ax.srcCount, dn = ax.dstCount;
+  if (dn > sn && !BuildGrowTables(r)) return 0;
   if (dn < sn) {
     r->needFirst = static_cast<int32_t>(a * sn / dn);
     r->needLast = static_cast<int32_t>(((b + 1) * sn - 1) / dn);
@@ -616,7 +617,14 @@ int ResamplerOpen(Resampler* r, const ResampleSetup& setup) {
 }
 
 const uint8_t* ResamplerRow(Resampler* r, int32_t y) {
-  return r->filter == 2 ? SmoothRow(r, y) : NearestRow(r, y);
+  return r->filter == 2 ? SmoothRow(r, y, r->rowImage.data()) : NearestRow(r, y);
+}
+
+const uint8_t* ResamplerRowInto(Resampler* r, int32_t y, uint8_t* out) {
+  if (r->filter == 2 && !r->masked) return SmoothRow(r, y, out);
+  const uint8_t* row = ResamplerRow(r, y);
+  if (row) std::memcpy(out, row, r->rowImage.size());
+  return row ? out : nullptr;
 }
 
 }  // namespace fancy

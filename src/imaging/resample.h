@@ -65,7 +65,12 @@ ResamplePixel ResamplePixelOf(int32_t workingType);
 struct Divider {
   uint64_t divisor;
   uint64_t magic;  // 0: divide plainly
-  uint64_t Divide(uint64_t n) const;
+  uint64_t Divide(uint64_t n) const {
+#if defined(__SIZEOF_INT128__)
+    if (magic) return static_cast<uint64_t>((static_cast<unsigned __int128>(n) * magic) >> 64);
+#endif
+    return n / divisor;
+  }
 };
 Divider MakeDivider(uint64_t divisor, uint64_t largestDividend);
 
@@ -87,6 +92,8 @@ struct Resampler {
   ScratchArray<uint8_t> logicalRow;     // source columns in logical order
   ScratchArray<uint8_t> logicalMask;
   ScratchArray<uint32_t> mulTable;      // p x dstW
+  ScratchArray<int32_t> growIndex;      // growing: the left source pixel of each target pixel
+  ScratchArray<uint32_t> growWeight;    // and the weight of the right one, of 2 x dstW
   ScratchArray<uint8_t> rowStore;       // two horizontally resampled rows
   ScratchArray<uint8_t> maskRowStore;
   int32_t cachedRows[2];
@@ -107,5 +114,8 @@ int ResamplerOpen(Resampler* r, const ResampleSetup& setup);
 // physical order; null when a source row can't be read. With mask weighting,
 // pixels that no source pixel weighs keep what the previous row left there.
 const uint8_t* ResamplerRow(Resampler* r, int32_t y);
+// The same row built into `out` (width pixels), which is answered; a caller
+// that draws straight into its target saves a copy. Not for mask weighting.
+const uint8_t* ResamplerRowInto(Resampler* r, int32_t y, uint8_t* out);
 
 }  // namespace fancy

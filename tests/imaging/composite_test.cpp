@@ -302,6 +302,20 @@ TEST_F(Composite, MovingAPartOverItselfReadsTheOldPixels) {
   EXPECT_EQ(Pixels(image.get()), Pixels(copy.get()));
   for (int y = 1; y < 6; ++y)
     for (int x = 2; x < 8; ++x) EXPECT_EQ(At(image.get(), x, y), a[(y - 1) * 9 + (x - 2)]);
+
+  // With its own mask as the source's coverage, the mask is read where the
+  // source pixels are, not where they go.
+  auto masked = MakeImage(kImageGrey8, 9, 7, a);
+  Image* mask = MakeImage(kImageMask, 9, 7, Generate(9, 7, 1, [](int x, int, int) {
+                  return x % 3 == 0 ? 255 : 0;
+                })).release();
+  ImageSetMask(masked.get(), mask, nullptr, nullptr, nullptr);
+  ASSERT_EQ(CompositeImage(nullptr, masked.get(), 0, 0, 8, 7, nullptr, masked.get(), 1, 0, 8, 7,
+                           nullptr, kCompositeSourceMaskImage | kCompositeIgnoreDestMaskImage),
+            1);
+  for (int y = 0; y < 7; ++y)
+    for (int x = 0; x < 8; ++x)
+      EXPECT_EQ(At(masked.get(), x, y), (x + 1) % 3 == 0 ? a[y * 9 + x + 1] : a[y * 9 + x]);
 }
 
 TEST_F(Composite, TiledImagesMergeAsOneCellImagesDo) {

@@ -37,12 +37,12 @@ inline std::vector<uint8_t> Pixels(const Image* image) {
   return out;
 }
 
-// One byte of pixel (x, y), channel c.
+// One byte of pixel (x, y), channel c; the value of a pixel under 8 bits.
 inline uint8_t At(const Image* image, int32_t x, int32_t y, int32_t c = 0) {
-  int32_t bytes = ImagePixelBytes(image);
   uint8_t pixel[8] = {};
   ImageReadPixels(image, x, y, 1, 1, 8, pixel);
-  return bytes ? pixel[c] : static_cast<uint8_t>(pixel[0] & 0x80 ? 1 : 0);
+  if (image->bitsPerPixel < 8) return static_cast<uint8_t>(pixel[0] >> (8 - image->bitsPerPixel));
+  return pixel[c];
 }
 
 // Pixels from a generator g(x, y, channel).
