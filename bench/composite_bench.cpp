@@ -10,6 +10,7 @@
 
 #include "bench_util.h"
 #include "imaging/composite.h"
+#include "imaging/convert_image.h"
 #include "imaging/merge.h"
 
 namespace fancy {
@@ -107,10 +108,41 @@ void GrowByTwoAndAHalf(benchmark::State& state) {
   Resize(state, kWidth * 5 / 2, kHeight * 5 / 2, state.range(0));
 }
 
+// Error diffusion to a palette of 256 scattered colours: every pixel asks
+// the palette lookup for its nearest entry.
+void DiffuseToPalette(benchmark::State& state) {
+  ImagingInit();
+  Image* src = Picture();
+  Palette* palette = PaletteCreate(kPaletteCustom, 256);
+  uint32_t seed = 12345;
+  for (int i = 0; i < 256; ++i) {
+    PaletteEntry& e = PaletteEntries(palette)[i];
+    seed = seed * 214013 + 2531011;
+    e.blue = static_cast<uint8_t>(seed >> 16);
+    e.green = static_cast<uint8_t>(seed >> 8);
+    e.red = static_cast<uint8_t>(seed >> 24);
+  }
+  Image* dst = ImageCreatePaletted(palette, kWidth, kHeight, 8, 1, 0, 0, kStorageOptionOneCell,
+                                   nullptr, nullptr);
+  DrawContext* context = DrawContextCreate();
+  context->ditherMode = kDitherDiffusion;
+  for (auto _ : state) {
+    ConvertImage(context, dst, 0, 0, src, 0, 0, kWidth, kHeight);
+    benchmark::ClobberMemory();
+  }
+  Report(state, int64_t{kWidth} * kHeight, int64_t{kWidth} * kHeight);
+  DrawContextFree(context);
+  ImageDestroy(src);
+  ImageDestroy(dst);
+  PaletteFree(palette);
+  ImagingShutdown();
+}
+
 BENCHMARK(CopyMode0)->Unit(benchmark::kMillisecond);
 BENCHMARK(MultiplyUnderMask)->Unit(benchmark::kMillisecond);
 BENCHMARK(ShrinkToAThird)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(GrowByTwoAndAHalf)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(DiffuseToPalette)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace fancy

@@ -10,25 +10,35 @@ namespace {
 
 constexpr int32_t kCells = 1 << 15;
 constexpr int32_t kStartBound = 0x30000;  // above 3 x 255 x 255
-constexpr size_t kStoreStep = 16012;
+constexpr size_t kBlockBytes = 16012;     // room for 62 full lists of 257 bytes
+
+// The candidate lists live in a chain of blocks that never move.
+struct ListBlock {
+  ListBlock* next;
+  size_t used;
+  uint8_t bytes[kBlockBytes];
+};
 
 }  // namespace
 
 struct PaletteLookup {
   int32_t count;
   uint8_t red[256], green[256], blue[256];
-  int32_t squareTable[511];    // (d - 255)^2 for d = 0 .. 510
-  uint32_t cellStart[kCells];  // 0: not built yet; else 1 + offset in `store`
-  uint8_t* store;              // per cell: a count byte, then the indices
-  size_t storeUsed;
-  size_t storeSize;
-  uint32_t lastKey;            // the last colour asked, + 1 (0: none)
+  int32_t squareTable[511];         // (d - 255)^2 for d = 0 .. 510
+  const uint8_t* cells[kCells];     // per cell: a count byte less one, then the
+                                    // indices; null until asked
+  ListBlock* blocks;                // the newest first
+  uint32_t lastKey;                 // the last colour asked, + 1 (0: none)
   int32_t lastIndex;
 };
 
 void PaletteLookupFree(PaletteLookup* lookup) {
   if (!lookup) return;
-  std::free(lookup->store);
+  for (ListBlock* b = lookup->blocks; b;) {
+    ListBlock* next = b->next;
+    std::free(b);
+    b = next;
+  }
   std::free(lookup);
 }
 
@@ -50,14 +60,18 @@ PaletteLookup* BuildLookup(const Palette* palette) {
   return l;
 }
 
-bool Reserve(PaletteLookup* l, size_t bytes) {
-  if (l->storeUsed + bytes <= l->storeSize) return true;
-  size_t size = l->storeSize + std::max(kStoreStep, bytes);
-  auto* grown = static_cast<uint8_t*>(std::realloc(l->store, size));
-  if (!grown) return false;
-  l->store = grown;
-  l->storeSize = size;
-  return true;
+// Room for `bytes` in the newest block, or in a new one.
+uint8_t* Reserve(PaletteLookup* l, size_t bytes) {
+  ListBlock* b = l->blocks;
+  if (!b || b->used + bytes > kBlockBytes) {
+    b = static_cast<ListBlock*>(std::calloc(1, sizeof(ListBlock)));
+    if (!b) return nullptr;
+    b->next = l->blocks;
+    l->blocks = b;
+  }
+  uint8_t* at = b->bytes + b->used;
+  b->used += bytes;
+  return at;
 }
 
 // Squared distance from channel value c to the interval [lo, lo + 7]: the
@@ -87,14 +101,13 @@ bool BuildCell(PaletteLookup* l, int32_t cell) {
   }
   int32_t n = 0;
   for (int32_t i = 0; i < l->count; ++i) n += least[i] <= bound;
-  if (!Reserve(l, static_cast<size_t>(n) + 1)) return false;
-  uint8_t* out = l->store + l->storeUsed;
+  uint8_t* out = Reserve(l, static_cast<size_t>(n) + 1);
+  if (!out) return false;
   out[0] = static_cast<uint8_t>(n - 1);  // 1 to 256 candidates
   int32_t k = 1;
   for (int32_t i = 0; i < l->count; ++i)
     if (least[i] <= bound) out[k++] = static_cast<uint8_t>(i);
-  l->cellStart[cell] = static_cast<uint32_t>(l->storeUsed + 1);
-  l->storeUsed += static_cast<size_t>(n) + 1;
+  l->cells[cell] = out;
   return true;
 }
 
@@ -130,8 +143,8 @@ int32_t PaletteNearestIndex(Palette* palette, int32_t red, int32_t green, int32_
   uint32_t key = static_cast<uint32_t>((red << 16) | (green << 8) | blue) + 1;
   if (key == l->lastKey) return l->lastIndex;
   int32_t cell = ((red >> 3) << 10) | ((green >> 3) << 5) | (blue >> 3);
-  if (!l->cellStart[cell] && !BuildCell(l, cell)) return 0;
-  const uint8_t* list = l->store + (l->cellStart[cell] - 1);
+  if (!l->cells[cell] && !BuildCell(l, cell)) return 0;
+  const uint8_t* list = l->cells[cell];
   int32_t n = list[0] + 1;
   int32_t index = list[1];
   if (n > 1) {

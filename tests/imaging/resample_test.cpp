@@ -258,7 +258,9 @@ TEST_F(Resample, MaskWeightingKeepsHiddenColoursOut) {
 
   // A source hidden everywhere changes nothing.
   Image* none = MakeImage(kImageMask, 8, 8).release();
-  ImageSetMask(source.get(), none, nullptr, nullptr, nullptr);
+  Image* old = nullptr;
+  ImageSetMask(source.get(), none, nullptr, &old, nullptr);
+  ImageDestroy(old);
   auto untouched = MakeImage(kImageBGR24, 5, 5, std::vector<uint8_t>(75, 17));
   ASSERT_EQ(CompositeImage(context_, untouched.get(), 0, 0, 5, 5, nullptr, source.get(), 0, 0, 8, 8,
                            nullptr, kMergeNormal | kCompositeWeightBySourceMask),
