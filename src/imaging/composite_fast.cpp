@@ -16,11 +16,6 @@ namespace fancy {
 
 namespace {
 
-bool SameFamily(int32_t a, int32_t b) {
-  auto grey = [](int32_t t) { return t == kImageGrey8 || t == kImageMask; };
-  return a == b || (grey(a) && grey(b));
-}
-
 bool NoMasks(const CompositeState* s) { return !s->dstRuns && !s->dstMask && !s->srcRuns && !s->srcMask; }
 
 Rect CellRect(const TileCell& c) { return Rect{c.left, c.bottom, c.right, c.top}; }
@@ -62,19 +57,6 @@ CLRColor Complement(const CLRColor& colour, int32_t type) {
   if (type == kImageRGB48)
     for (uint8_t& v : c.value6) v = static_cast<uint8_t>(~v);
   return c;
-}
-
-bool MakeSolid(TileCell* cell, const CLRColor& colour) {
-  Tile* tile = cell->tile;
-  if (tile->refCount > 1) {
-    Tile* solid = TileCreate(tile->cache, tile->type, tile->rowBytes, tile->height, &colour);
-    if (!solid) return false;
-    TileRelease(tile);
-    cell->tile = solid;
-  } else {
-    TileMakeSolid(tile, colour);
-  }
-  return true;
 }
 
 void InvertRows(TileCell* cell, const Rect& part, int32_t bytesPerPixel) {
@@ -133,6 +115,19 @@ int FillSpan(void* user, int32_t x, int32_t y, int32_t count, const Coverage* co
 int NextRow(void*) { return 1; }
 
 }  // namespace
+
+bool MakeCellSolid(TileCell* cell, const CLRColor& colour) {
+  Tile* tile = cell->tile;
+  if (tile->refCount > 1) {
+    Tile* solid = TileCreate(tile->cache, tile->type, tile->rowBytes, tile->height, &colour);
+    if (!solid) return false;
+    TileRelease(tile);
+    cell->tile = solid;
+  } else {
+    TileMakeSolid(tile, colour);
+  }
+  return true;
+}
 
 int32_t PixelOfColour(Image* image, const CLRColor& colour, uint8_t out[8]) {
   std::memset(out, 0, 8);
@@ -234,7 +229,7 @@ int FillWithColor(DrawContext* context, Image* image, const Rect& rect, const CL
 // ---- block copy and invert -----------------------------------------------------------
 
 bool BlockCopyApplies(const CompositeState* s) {
-  return !s->scaling && SameFamily(s->src->type, s->dst->type) && ImagePixelBytes(s->src) > 0 &&
+  return !s->scaling && SameTypeFamily(s->src->type, s->dst->type) && ImagePixelBytes(s->src) > 0 &&
          ImagePixelBytes(s->dst) > 0 && s->src->palette == s->dst->palette && NoMasks(s) &&
          s->opacity == 255 && s->mode == kMergeNormal && !s->sameImage && !s->selector;
 }
@@ -273,7 +268,7 @@ int InvertInPlace(CompositeState* s) {
       if (!RectIntersect(clip, CellRect(*cell), &part)) continue;
       const CLRColor* solid = CellSolidColor(cell);
       if (solid && RectEqual(part, CellRect(*cell)) && cell->lockCount == 0) {
-        if (!MakeSolid(cell, Complement(*solid, dst->type))) return 0;
+        if (!MakeCellSolid(cell, Complement(*solid, dst->type))) return 0;
       } else {
         if (!CellLockWrite(cell)) return 0;
         InvertRows(cell, part, bytes);
@@ -291,7 +286,7 @@ int InvertInPlace(CompositeState* s) {
 // ---- scale copy ------------------------------------------------------------------------
 
 bool ScaleCopyApplies(const CompositeState* s) {
-  return s->scaling && SameFamily(s->src->type, s->dst->type) && ImagePixelBytes(s->src) > 0 &&
+  return s->scaling && SameTypeFamily(s->src->type, s->dst->type) && ImagePixelBytes(s->src) > 0 &&
          ImagePixelBytes(s->dst) > 0 && NoMasks(s) && !s->selector && s->opacity == 255 &&
          s->mode == kMergeNormal && PaletteSame(s->src->palette, s->dst->palette) && !s->sameImage;
 }

@@ -9,11 +9,6 @@ namespace fancy {
 
 namespace {
 
-bool SameFamily(int32_t a, int32_t b) {
-  auto grey = [](int32_t t) { return t == kImageGrey8 || t == kImageMask; };
-  return a == b || (grey(a) && grey(b));
-}
-
 bool Wide(int32_t type) { return type == kImageRGB48 || type == kImageGrey16; }
 
 // The byte offset of a channel within a pixel of the type, or -1 when the
@@ -59,7 +54,7 @@ int ChooseKernels(CompositeState* s) {
   }
 
   bool convert = true;
-  if (SameFamily(src->type, dst->type)) {
+  if (SameTypeFamily(src->type, dst->type)) {
     convert = false;
     if (src->type == kImageIndexed)
       convert = (s->scaling && s->filter == kFilterSmooth) || s->anyCoverage ||

@@ -299,21 +299,6 @@ bool SolidPairsApply(const CompositeState* s) {
          !s->src->palette && GridsAligned(s);
 }
 
-// Replaces the cell's tile by a solid one of the colour (its own tile made
-// solid when nobody shares it).
-bool MakeCellSolid(TileCell* cell, const CLRColor& colour) {
-  Tile* tile = cell->tile;
-  if (tile->refCount > 1) {
-    Tile* solid = TileCreate(tile->cache, tile->type, tile->rowBytes, tile->height, &colour);
-    if (!solid) return false;
-    TileRelease(tile);
-    cell->tile = solid;
-  } else {
-    TileMakeSolid(tile, colour);
-  }
-  return true;
-}
-
 // Both cells solid: the merge of the two colours, kept solid. Answers 1 when
 // done, 0 when the pair must take the ordinary path, -1 on failure.
 int SolidPair(const CompositeState* s, TileCell* cell) {

@@ -123,6 +123,16 @@ int OpenCompositeResampler(CompositeState* s);
 // Buffers of the call, allocated once.
 int PrepareBuffers(CompositeState* s);
 
+// Types that merge as one: equal, or both one grey byte (5 and 99).
+inline bool SameTypeFamily(int32_t a, int32_t b) {
+  auto grey = [](int32_t t) { return t == kImageGrey8 || t == kImageMask; };
+  return a == b || (grey(a) && grey(b));
+}
+
+// Makes a cell solid in the colour: its own tile when nobody shares it,
+// else a new solid tile in its place. False when memory fails.
+bool MakeCellSolid(TileCell* cell, const CLRColor& colour);
+
 // The bytes of a colour as a pixel of the image's type (a palette image
 // takes the nearest entry). Answers the byte count, 0 for none.
 int32_t PixelOfColour(Image* image, const CLRColor& colour, uint8_t out[8]);

@@ -224,11 +224,10 @@ int ConvertCells(Job* j, int32_t ditherMode) {
   Rect part;
   int result = 1;
   ProgressScope scope;
-  int32_t cells = 0;
-  for (TileCell* c = TileWalkOpen(&walk, j->dst, j->target, CellLockReadSolid, &part); c;
-       c = TileWalkNext(&walk, &part))
-    ++cells;
-  TileWalkClose(&walk);
+  const Image* d = j->dst;
+  const Rect& t = j->target;
+  const int32_t cells = (t.right / d->tileWidth - t.left / d->tileWidth + 1) *
+                        (t.bottom / d->tileHeight - t.top / d->tileHeight + 1);
   if (cells > 1) ProgressScopeOpen(&scope, j->context, 1, cells);
   int32_t done = 0;
   for (TileCell* cell = TileWalkOpen(&walk, j->dst, j->target, CellLockWrite, &part);

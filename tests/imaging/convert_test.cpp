@@ -265,6 +265,23 @@ TEST(ConvertImage, PathsByPairAndMode) {
   EXPECT_EQ(At(target.get(), 6, 7), 1);
   EXPECT_EQ(At(target.get(), 5, 7), 0);
   EXPECT_EQ(ConvertImage(context, small.get(), 0, 0, nullptr, 0, 0, 5, 5), 0);
+
+  // Ordered dithering follows the image's coordinates, so a tiled target
+  // comes out as a one-cell one does.
+  {
+    testing::AttachedCache attached(60000);
+    const int w = 900, h = 700;  // 1-bit tiles are 768 x 682
+    auto picture = MakeImage(kImageGrey8, w, h, Generate(w, h, 1, [](int x, int y, int) { return (x + 2 * y) % 256; }));
+    Image* tiled = ImageCreate(kImageBilevel, w, h, 0, 0, kStorageOptionTiled, nullptr, nullptr);
+    ASSERT_EQ(tiled->storageKind, kStorageTiled);
+    auto plain = MakeImage(kImageBilevel, w, h);
+    context->ditherMode = 5;
+    ASSERT_EQ(ConvertImage(context, tiled, 0, 0, picture.get(), 0, 0, w, h), 1);
+    ASSERT_EQ(ConvertImage(context, plain.get(), 0, 0, picture.get(), 0, 0, w, h), 1);
+    EXPECT_EQ(Pixels(tiled), Pixels(plain.get()));
+    EXPECT_TRUE(testing::AllUnlocked(tiled));
+    ImageDestroy(tiled);
+  }
   DrawContextFree(context);
   ImagingShutdown();
 }
