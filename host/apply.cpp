@@ -16,6 +16,7 @@
 #include "params_file.h"
 #include "platform/file.h"
 #include "setup.h"
+#include "tile_options.h"
 
 namespace fancy {
 
@@ -142,6 +143,9 @@ int RunApply(const ApplyOptions& o) {
                "--no-dialog repeats a run: give --params FILE saved by an earlier run of %s",
                EffectName(o.filterId));
   }
+
+  if (o.tile.Any() && !ApplyTileOptions(o.tile, &gParameters, &error))
+    return Say(kExitUsage, "%s", error.c_str());
 
   EffectModule module;
   if (EffectNeedsModule(o.filterId)) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "picture.h"
+#include "tile_options.h"
 
 namespace fancy {
 
@@ -27,6 +28,7 @@ struct ApplyOptions {
   bool quiet = false;
   bool haveMode = false;
   PixelMode mode = PixelMode::kRGB;
+  TileOptions tile;  // Tessaris only
 };
 
 struct CommandLine {

@@ -29,7 +29,7 @@ class RowsTest : public ::testing::Test {
 
 TEST_F(RowsTest, EffectsWithoutEngineGiveTheImageBackUnchanged) {
   const int16_t modes[] = {kModeGray, kModeRGB, kModeCMYK};
-  const int32_t effects[] = {kFilterBrushka, kFilterTessaris, kFilterGlass};
+  const int32_t effects[] = {kFilterBrushka, kFilterGlass};
   for (int32_t id : effects) {
     for (int16_t mode : modes) {
       SCOPED_TRACE(::testing::Message() << "effect " << id << ", mode " << mode);
@@ -73,26 +73,6 @@ TEST_F(RowsTest, StrokeAsksForOneRowOfThreePlanesAtATime) {
     EXPECT_EQ(r.outRect.top | r.outRect.left | r.outRect.bottom | r.outRect.right, 0);
     EXPECT_EQ(host.Call(kSelectorFinish), 0);
   }
-}
-
-TEST_F(RowsTest, TileAsksForChunksOfRowsPerChunk) {
-  // 16001 grey pixels pad to 16004 bytes a row: three rows to a chunk.
-  TestHost host(kFilterTessaris, 16001, 7, kModeGray);
-  HostImage before = host.image();
-  ASSERT_EQ(host.Call(kSelectorParameters), 0);
-  ASSERT_EQ(host.Call(kSelectorPrepare), 0);
-  ASSERT_EQ(host.Call(kSelectorStart), 0);
-  EXPECT_EQ(host.runSlot()->rowsPerChunk, 3);
-  std::vector<int16_t> tops, bottoms;
-  while (host.record().inRect.bottom != 0) {
-    tops.push_back(host.record().inRect.top);
-    bottoms.push_back(host.record().inRect.bottom);
-    ASSERT_EQ(host.Call(kSelectorContinue), 0);
-  }
-  EXPECT_EQ(tops, (std::vector<int16_t>{0, 3, 6}));
-  EXPECT_EQ(bottoms, (std::vector<int16_t>{3, 6, 7}));
-  EXPECT_EQ(host.Call(kSelectorFinish), 0);
-  EXPECT_EQ(host.image(), before);
 }
 
 TEST_F(RowsTest, HostExtensionIsHeadedAndAskedOnlyWhereOffered) {
