@@ -1,11 +1,14 @@
 // MakeTile: the source rows, the feathered cell, the tile built by the
 // group, and where the tile's origin lies in the image.
 //
-// Row order: a loaded picture holds its rows bottom row first, as its file
-// did; the host's rows and a preview's picture come top row first. The final
-// path builds with flipRows set, as if its source lay bottom up, and its
-// tile comes out in the same order; a preview builds plainly and reverses
-// its tile's rows afterwards.
+// Row order. The final path builds with flipRows set: its source rows lie
+// bottom row first, as a loaded picture holds the rows of its file. The
+// host's rows come top row first, so the part of them the cell is cut from
+// is turned over for the build and put back afterwards; the tile then comes
+// out bottom row first and is turned to the image's order once. A preview
+// reads its picture top row first and builds plainly. Either way the tile
+// is the cell's wallpaper the right way up, its origin at the cell's corner,
+// so that with no pan the mother cell shows where it was cut.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -39,11 +42,6 @@ void ReverseRows(uint8_t* base, int32_t stride, int32_t rows, int32_t rowBytes) 
     uint8_t* a = base + static_cast<ptrdiff_t>(top) * stride;
     std::swap_ranges(a, a + rowBytes, base + static_cast<ptrdiff_t>(bottom) * stride);
   }
-}
-
-bool IsFeatherlessGroup(int32_t groupId) {
-  return groupId == kGroupPmm || groupId == kGroupP4m || groupId == kGroupP3m1 ||
-         groupId == kGroupP6m;
 }
 
 // The source rectangle of the loaded picture (bottom row first) or of the
@@ -124,13 +122,12 @@ int16_t FeatherCell(Symmetry& symmetry, const SourceView& view, int32_t bytesPer
   cell.data = cell.handle.get();
   cell.state = 0;
 
+  // The feather engine reads rows top first: flipped rows are turned over
+  // for it, and both they and the cell put back afterwards.
   const int32_t viewBytes = view.cols * bytesPerPixel;
-  const bool flip = symmetry.flipRows != 0;
+  const bool flip = view.bottomUp;
   if (flip) ReverseRows(view.base, view.stride, view.rows, viewBytes);
-  // The margin at the start of memory: the top one once the rows run top
-  // first.
-  const bool topFirst = view.bottomUp == flip;
-  const int32_t top = symmetry.featherMargin[topFirst ? kSideTop : kSideBottom];
+  const int32_t top = symmetry.featherMargin[kSideTop];
   const int32_t left = symmetry.featherMargin[kSideLeft];
   // The plain copy under the feathered cell starts three bytes a margin
   // pixel in, whatever the pixel's size. It is seen only where the feather
@@ -162,15 +159,11 @@ void PlaceTile(TileRecord* params, int32_t isPreview) {
   TileBuffer& tile = s.tileBuffer;
   s.baseX = symmetry.cellX + s.sourceLeft - s.cropLeft;
   s.baseY = symmetry.cellY + s.sourceTop - s.cropTop;
-  int64_t panX = static_cast<int64_t>(std::trunc(tile.imageWidth * params->panFractionX));
-  int64_t panY = static_cast<int64_t>(std::trunc(tile.imageHeight * params->panFractionY));
-  if (!isPreview && params->firstRun) {
-    if (symmetry.flipRows && s.sourceKind == kTileSourceFile) {
-      panX += s.cropLeft - s.sourceLeft;
-      panY += int64_t{tile.imageHeight} - symmetry.extentHeight - s.baseY;
-    }
-    params->firstRun = 0;
-  }
+  const int64_t panX = static_cast<int64_t>(std::trunc(tile.imageWidth * params->panFractionX));
+  const int64_t panY = static_cast<int64_t>(std::trunc(tile.imageHeight * params->panFractionY));
+  // The tile is the right way up whatever its source: the first run needs
+  // no move of its own to bring the cell back in place.
+  if (!isPreview) params->firstRun = 0;
   tile.panX = NonNegativeMod(panX, tile.width);
   tile.panY = NonNegativeMod(panY, tile.height);
   tile.offsetX = tile.panX + s.baseX;
@@ -185,8 +178,9 @@ void ReleaseTileBuffer() {
   s.tileBuffer.state = kTileBufferEmpty;
 }
 
+// turned: the host's rows turned over for the build, to be put back.
 int16_t MakeTileSteps(int32_t isPreview, FilterRecord* host, TileRecord* params,
-                      const Image* previewSource) {
+                      const Image* previewSource, SourceView* turned) {
   TileEngineState& s = gTileState;
   if (!s.symmetry) return kErrFilterFailure;
   Symmetry& symmetry = *s.symmetry;
@@ -199,7 +193,7 @@ int16_t MakeTileSteps(int32_t isPreview, FilterRecord* host, TileRecord* params,
   s.tileBuffer.rowFlag = isPreview ? 0 : 1;
 
   // 2. The groups with mirrors on every edge take no feather.
-  if (IsFeatherlessGroup(symmetry.groupId) && symmetry.feather != 0) {
+  if (TileGroupTakesNoFeather(symmetry.groupId) && symmetry.feather != 0) {
     symmetry.feather = 0;
     symmetry.PrepareMargins();
   }
@@ -222,6 +216,13 @@ int16_t MakeTileSteps(int32_t isPreview, FilterRecord* host, TileRecord* params,
     got = HostView(host, bytesPerPixel, &view);
   }
   if (got != kNoError) return got;
+  // The view's rows in the order of the path: bottom row first when flipped.
+  // The host's rows are turned back by RestoreHostRows.
+  if (view.bottomUp != (symmetry.flipRows != 0)) {
+    ReverseRows(view.base, view.stride, view.rows, view.cols * bytesPerPixel);
+    view.bottomUp = !view.bottomUp;
+  }
+  if (!isPreview && s.sourceKind == kTileSourceImage) *turned = view;
 
   // The cell's bounding box: its lowest row in memory, and its first column.
   const int32_t lowMargin =
@@ -273,13 +274,11 @@ int16_t MakeTileSteps(int32_t isPreview, FilterRecord* host, TileRecord* params,
   PlaceTile(params, isPreview);
 
   // 10. A loaded CMYK picture holds ink amounts; the host stores them
-  // inverted. A preview's tile is turned to bottom row first.
+  // inverted. The final path's tile is turned to the image's row order.
   const size_t tileBytes = static_cast<size_t>(tile.rowBytes) * tile.height;
-  if (!isPreview && pixelType == kTilePixelCmyk && s.sourceKind == kTileSourceFile) {
+  if (!isPreview && pixelType == kTilePixelCmyk && s.sourceKind == kTileSourceFile)
     for (size_t i = 0; i < tileBytes; ++i) tile.data[i] = static_cast<uint8_t>(255 - tile.data[i]);
-  } else if (isPreview) {
-    ReverseRows(tile.data, tile.rowBytes, tile.height, tile.rowBytes);
-  }
+  if (symmetry.flipRows) ReverseRows(tile.data, tile.rowBytes, tile.height, tile.rowBytes);
   return kNoError;
 }
 
@@ -290,7 +289,11 @@ int16_t MakeTile(int32_t isPreview, FilterRecord* host, TileRecord* params,
   TileEngineState& s = gTileState;
   ReleaseTileBuffer();
   if (!isPreview && !host) return kErrFilterFailure;
-  const int16_t result = MakeTileSteps(isPreview, host, params, previewSource);
+  SourceView turned;
+  const int16_t result = MakeTileSteps(isPreview, host, params, previewSource, &turned);
+  if (turned.base)
+    ReverseRows(turned.base, turned.stride, turned.rows,
+                turned.cols * TileBytesPerPixel(s.pixelType));
   s.cellBuffer = TileWorkBuffer{};
   s.auxBuffer = TileWorkBuffer{};
   if (result == kNoError) {

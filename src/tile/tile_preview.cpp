@@ -86,10 +86,18 @@ int16_t SaveTileBmp(const char* path) {
   const TileBuffer& tile = gTileState.tileBuffer;
   const int32_t type = ImageTypeOfTile(tile.pixelType);
   if (!TileHasTile() || type == 0) return kErrFilterFailure;
-  Image* image = ImageCreateOnBuffer(type, tile.width, tile.height, 0, 0, tile.data);
-  if (!image) return kErrFilterFailure;
+  // A BMP holds its bottom row first; the tile is held top row first.
+  Image* image = ImageCreate(type, tile.width, tile.height, 0, 0, kStorageOptionOneCell, nullptr,
+                             nullptr);
+  if (!image) return kSourceFileNoMemory;
   int16_t saved = kSourceFileReadError;
-  if (image->rowBytes == tile.rowBytes) saved = SaveImageBmp(image, path);
+  if (image->rowBytes == tile.rowBytes && ImagePixelAddress(image, 0, 0)) {
+    for (int32_t y = 0; y < tile.height; ++y)
+      std::memcpy(ImagePixelAddress(image, 0, tile.height - 1 - y),
+                  tile.data + static_cast<ptrdiff_t>(y) * tile.rowBytes,
+                  static_cast<size_t>(tile.rowBytes));
+    saved = SaveImageBmp(image, path);
+  }
   ImageDestroy(image);
   return saved;
 }

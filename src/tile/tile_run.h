@@ -12,6 +12,7 @@
 #include "frame/host_record.h"
 #include "frame/run_slot.h"
 #include "imaging/image.h"
+#include "tile/symmetry.h"
 #include "tile/tile_buffer.h"
 #include "tile/tile_record.h"
 
@@ -31,6 +32,13 @@ int16_t TilePrepare(FilterRecord* host);
 // the host for. slot may be null (a preview); a file source without a loaded
 // picture falls back to the image itself.
 int16_t TileSetup(FilterRecord* host, TileRecord* params, const RunSlot* slot);
+
+// Pmm, P4m, P3m1 and P6m have mirrors on every edge: their feather is 0
+// whatever the record says.
+inline bool TileGroupTakesNoFeather(int32_t groupId) {
+  return groupId == kGroupPmm || groupId == kGroupP4m || groupId == kGroupP3m1 ||
+         groupId == kGroupP6m;
+}
 
 // A loaded picture can give a cell: 50 pixels or more either way.
 bool TileLoadedSourceFits(const Image* loaded);

@@ -145,6 +145,7 @@ int16_t TileSetup(FilterRecord* host, TileRecord* params, const RunSlot* slot) {
   symmetry.ComputeCellExtent();
   symmetry.ComputeRowShift();
   symmetry.SetFeatherPercent(params->featherPercent);
+  if (TileGroupTakesNoFeather(symmetry.groupId)) symmetry.feather = 0;
   symmetry.PrepareMargins();
   symmetry.StoreParams(&params->cell);
   if (symmetry.tileWidth <= 0 || symmetry.tileHeight <= 0 || symmetry.extentWidth <= 0 ||
