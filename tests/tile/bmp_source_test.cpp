@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "bmp_bytes.h"
+#include "support/bmp_bytes.h"
 #include "frame/host_record.h"
 #include "support/message_boxes.h"
 #include "support/temp_dir.h"

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <set>
 
-#include "bmp_bytes.h"
+#include "support/bmp_bytes.h"
 #include "frame/module_state.h"
 #include "frame/result_codes.h"
 #include "support/config_folder.h"
