@@ -53,11 +53,12 @@ void TileAdoptLoadedSource(TileRecord* params, const Image* loaded, int32_t filt
 // plane count the effect cannot work in.
 int32_t TileHostPixelType(const FilterRecord* host);
 
-// Makes the tile. isPreview 0 is the real run (source rows from the host's
-// inData, progress and abort through the host); 1 is a preview or Save Tile,
-// where previewSource is the picture being filtered as an Image of the
-// host's type (rows top first, the filtered rectangle's size). A file source
-// comes from the loaded picture in both cases.
+// Makes the tile, held top row first with its origin at the cell's corner.
+// isPreview 0 is the real run (source rows from the host's inData, progress
+// and abort through the host); 1 is a preview or Save Tile, where
+// previewSource is the picture being filtered as an Image of the host's type
+// (rows top first, the filtered rectangle's size). A file source comes from
+// the loaded picture in both cases.
 int16_t MakeTile(int32_t isPreview, FilterRecord* host, TileRecord* params,
                  const Image* previewSource);
 
@@ -98,8 +99,8 @@ bool TileRecordIsUsable(const TileRecord& params);
 // pictures or the tile do not fit together.
 int16_t TilePreviewRender(Image* result, Image* source, double scale);
 
-// Wraps the current tile in an Image of its size and type and writes it as a
-// BMP file; 0, or a file code of SaveImageBmp (3), or -9987 without a tile.
+// Writes the current tile as a BMP file of its size and type, the right way
+// up; 0, a file code (3, or 5 without memory), or -9987 without a tile.
 int16_t SaveTileBmp(const char* path);
 
 }  // namespace fancy

@@ -110,11 +110,14 @@ int16_t TileSetup(FilterRecord* host, TileRecord* params, const RunSlot* slot) {
   s.sourceHeight = filterHeight;
   s.cropLeft = s.cropTop = 0;
 
-  // 3. A file that did not load (or cannot hold a cell) gives way to the
-  // image itself, silently.
+  // 3. A file that did not load (or cannot hold a cell, or is not of the
+  // host's type) gives way to the image itself, silently.
+  s.pixelType = PixelTypeOfHost(host);
+  s.planes = host->planes;
   s.sourceKind = params->sourceKind;
   const Image* loaded = slot ? slot->loadedSource : nullptr;
-  if (s.sourceKind == kTileSourceFile && !TileLoadedSourceFits(loaded))
+  if (s.sourceKind == kTileSourceFile &&
+      (!TileLoadedSourceFits(loaded) || TilePixelTypeOfImage(loaded->type) != s.pixelType))
     s.sourceKind = kTileSourceImage;
 
   // 4. A loaded picture is used through its crop.
@@ -161,8 +164,6 @@ int16_t TileSetup(FilterRecord* host, TileRecord* params, const RunSlot* slot) {
     return kErrFilterFailure;
 
   // 8. The image itself: its rows of the source rectangle are asked for.
-  s.pixelType = PixelTypeOfHost(host);
-  s.planes = host->planes;
   if (s.sourceKind == kTileSourceImage) {
     s.sourceRequest = Rect16{static_cast<int16_t>(source.top + host->filterRect.top),
                              static_cast<int16_t>(source.left + host->filterRect.left),
