@@ -15,6 +15,7 @@
 #include "support/test_host.h"
 #include "tile/symmetry.h"
 #include "tile/tile_record.h"
+#include "tile/tile_run.h"
 #include "tile/tile_state.h"
 #include "tile/tile_work.h"
 
@@ -286,6 +287,15 @@ TEST_F(TileRun, OutOfMemoryFailsCleanlyAndBadRecordsAreRefused) {
     const HostImage before = damaged.image();
     EXPECT_EQ(RunWith(damaged, damage), kErrFilterFailure);
     EXPECT_EQ(damaged.image(), before);
+  }
+  // An image mode the effect cannot work in is refused at the start.
+  {
+    TestHost lab(kFilterTessaris, 80, 80, kModeLab);
+    lab.record().planes = 3;
+    lab.image().planes = 3;
+    lab.image().pixels.assign(80 * 80 * 3, 50);
+    EXPECT_EQ(lab.Run(), kErrBadImageMode);
+    EXPECT_EQ(gTileState.errorCode, kTileErrorBadMode);
   }
   // Every group and mode runs on a small picture, in every image mode.
   for (int16_t mode : {kModeGray, kModeRGB, kModeCMYK})
