@@ -117,21 +117,9 @@ class Tessaris : public ::testing::Test {
   fancy::testing::TempDir dir;
 };
 
-// The defaults: P4, a square cell of a third of the shorter side, so a tile
-// of twice that side, turned by quarter turns.
-TEST_F(Tessaris, DefaultRunIsAP4WallpaperOverTheWholePicture) {
-  const std::string in = Input("in.png", 330, 150);
-  const FilePicture out = Apply(in, {});
-  ASSERT_EQ(out.width, 330);
-  const Wall wall{out};
-  EXPECT_EQ(wall.PeriodX(), 100);
-  EXPECT_EQ(wall.PeriodY(), 100);
-  EXPECT_TRUE(wall.Exists2(0, 200, -100, 100, [](int32_t a, int32_t b) {
-    return [a, b](int32_t x, int32_t y) { return std::pair{int64_t(a) - y, int64_t(b) + x}; };
-  })) << "a quarter turn";
-  EXPECT_FALSE(Wall{ReadPicture(in)}.PeriodX()) << "the input has no period";
-}
-
+// Each group's wallpaper over the whole picture: the tile's period (the
+// cell is a square of a third of the shorter side, 40 here) and the group's
+// own symmetries, found anywhere in the picture. P4 is the default.
 TEST_F(Tessaris, EachGroupHasItsSymmetries) {
   const std::string in = Input("in.png", 300, 120);  // cell side 40
   auto mirrorX = [](int32_t a, int32_t) {
@@ -159,27 +147,29 @@ TEST_F(Tessaris, EachGroupHasItsSymmetries) {
     const char* group;
     int32_t periodX, periodY;  // the tile of a cell of side 40
   };
-  for (const Case& c : {Case{"pm", 80, 40}, Case{"pg", 80, 40}, Case{"p2", 80, 40},
+  EXPECT_EQ(Wall{ReadPicture(in)}.PeriodX(), 0) << "the input has no period";
+  for (const Case& c : {Case{"", 80, 80}, Case{"pm", 80, 40}, Case{"pg", 80, 40}, Case{"p2", 80, 40},
                         Case{"pmm", 80, 80}, Case{"cm", 40, 40}, Case{"p4g", 80, 80},
                         Case{"cmm", 80, 80}}) {
     SCOPED_TRACE(c.group);
-    const FilePicture out = Apply(in, {"--group", c.group});
+    const std::string g = c.group;
+    const FilePicture out =
+        Apply(in, g.empty() ? std::vector<std::string>{} : std::vector<std::string>{"--group", g});
     const Wall wall{out};
     const int32_t px = wall.PeriodX(), py = wall.PeriodY();
     EXPECT_EQ(px, c.periodX);
     EXPECT_EQ(py, c.periodY);
     if (px == 0 || py == 0) continue;
-    const std::string g = c.group;
     if (g == "pm" || g == "pmm" || g == "cmm") {
       EXPECT_TRUE(wall.Exists2(0, 2 * px, 0, 1, mirrorX)) << "a mirror across the rows";
     }
     if (g == "pmm" || g == "cmm") {
       EXPECT_TRUE(wall.Exists2(0, 1, 0, 2 * py, mirrorY)) << "a mirror across the columns";
     }
-    if (g == "p2" || g == "pmm" || g == "cmm" || g == "p4g") {
+    if (g == "" || g == "p2" || g == "pmm" || g == "cmm" || g == "p4g") {
       EXPECT_TRUE(wall.Exists2(0, 2 * px, 0, 2 * py, halfTurn)) << "a half turn";
     }
-    if (g == "p4g") {
+    if (g == "" || g == "p4g") {
       EXPECT_TRUE(wall.Exists2(0, px + py, -px, py, quarterTurn)) << "a quarter turn";
     }
     if (g == "cm" || g == "p4g") {
@@ -208,57 +198,59 @@ TEST_F(Tessaris, EachGroupHasItsSymmetries) {
 }
 
 // P1 with a sheared cell, through a saved parameters block: each band of
-// tiles is moved by the shear.
+// tiles is moved by the shear, and inside the parallelogram the picture is
+// its own cell, the bands meeting without a seam.
 TEST_F(Tessaris, ShearedP1RepeatsWithItsRowShift) {
   const std::string in = Input("in.png", 240, 200);
   const std::string params = dir.File("p1.params");
-  Apply(in, {"--group", "p1", "--params", params});
-  std::vector<uint8_t> bytes;
-  {
+  auto record = [&](TileRecord* r, bool write) {
     std::ifstream file(params, std::ios::binary);
-    bytes.assign(std::istreambuf_iterator<char>(file), {});
-  }
-  ParamsBlock block;
-  std::string error;
-  ASSERT_TRUE(DecodeParams(bytes.data(), bytes.size(), &block, &error)) << error;
-  ASSERT_EQ(block.bytes.size(), sizeof(TileRecord));
-  TileRecord record;
-  std::memcpy(&record, block.bytes.data(), sizeof record);
-  record.cellShear = 0.3;
-  std::memcpy(block.bytes.data(), &record, sizeof record);
-  bytes = EncodeParams(block);
-  dir.Write("p1.params", std::string(bytes.begin(), bytes.end()));
+    std::vector<uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
+    ParamsBlock block;
+    std::string error;
+    ASSERT_TRUE(DecodeParams(bytes.data(), bytes.size(), &block, &error)) << error;
+    ASSERT_EQ(block.bytes.size(), sizeof(TileRecord));
+    if (!write) {
+      std::memcpy(r, block.bytes.data(), sizeof *r);
+      return;
+    }
+    std::memcpy(block.bytes.data(), r, sizeof *r);
+    bytes = EncodeParams(block);
+    dir.Write("p1.params", std::string(bytes.begin(), bytes.end()));
+  };
+  Apply(in, {"--group", "p1", "--params", params});
+  TileRecord r;
+  record(&r, false);
+  r.cellShear = 0.3;
+  record(&r, true);
 
   const FilePicture out = Apply(in, {"--params", params, "--no-dialog"});
+  record(&r, false);  // the cell the run used
+  const SymmetryParams& cell = r.cell;
+  ASSERT_GT(cell.shear, 0);
   const Wall wall{out};
-  const int32_t px = wall.PeriodX();
-  ASSERT_GT(px, 0);
+  EXPECT_EQ(wall.PeriodX(), cell.width);
+  EXPECT_EQ(wall.PeriodY(cell.shear % cell.width), cell.height);
   EXPECT_EQ(wall.PeriodY(0), 0) << "no plain vertical period";
-  // The saved block holds the cell the run used: its bands move by its shear.
-  std::ifstream file(params, std::ios::binary);
-  bytes.assign(std::istreambuf_iterator<char>(file), {});
-  ASSERT_TRUE(DecodeParams(bytes.data(), bytes.size(), &block, &error));
-  std::memcpy(&record, block.bytes.data(), sizeof record);
-  ASSERT_GT(record.cell.shear, 0);
-  EXPECT_EQ(record.cell.width, px);
-  EXPECT_EQ(wall.PeriodY(record.cell.shear % px), record.cell.height);
+  const FilePicture original = ReadPicture(in);
+  for (int32_t row = 0; row < cell.height; ++row) {
+    const int32_t edge = cell.cellX + cell.shear * row / cell.height, y = cell.cellY + row;
+    for (int32_t x = edge + 1; x < edge + cell.width - 1; ++x)
+      ASSERT_EQ(0, std::memcmp(&out.pixels[(size_t(y) * 240 + size_t(x)) * 3],
+                               &original.pixels[(size_t(y) * 240 + size_t(x)) * 3], 3))
+          << x << "," << y;
+  }
 }
 
 TEST_F(Tessaris, GreyRgbAndCmykPicturesRun) {
-  const struct {
-    PixelMode file;
-    std::vector<std::string> extra;
-  } cases[] = {{PixelMode::kGrey, {}}, {PixelMode::kRGB, {}}, {PixelMode::kRGB, {"--mode", "cmyk"}},
-               {PixelMode::kGrey, {"--mode", "rgb"}}};
-  for (const auto& c : cases) {
-    const std::string in = Input("in.png", 200, 90, c.file);
-    std::vector<std::string> extra = c.extra;
-    extra.insert(extra.end(), {"--feather", "60", "--tile-mode", "multiply", "--opacity", "100"});
-    const FilePicture out = Apply(in, extra);
-    const Wall wall{out};
-    EXPECT_EQ(wall.PeriodX(), 0) << "Multiply keeps the image under the tile";
-    const FilePicture plain = Apply(in, c.extra);
-    EXPECT_EQ(Wall{plain}.PeriodX(), 60) << "Normal at full opacity is the tile alone";
+  const std::pair<PixelMode, std::vector<std::string>> cases[] = {
+      {PixelMode::kGrey, {}}, {PixelMode::kRGB, {"--mode", "cmyk"}}, {PixelMode::kGrey, {"--mode", "rgb"}}};
+  for (const auto& [file, mode] : cases) {
+    const std::string in = Input("in.png", 200, 90, file);
+    EXPECT_EQ(Wall{Apply(in, mode)}.PeriodX(), 60) << "Normal at full opacity: the tile alone";
+    std::vector<std::string> soft = mode;
+    soft.insert(soft.end(), {"--feather", "60", "--tile-mode", "multiply"});
+    EXPECT_EQ(Wall{Apply(in, soft)}.PeriodX(), 0) << "Multiply keeps the image under the tile";
   }
 }
 

@@ -1,13 +1,14 @@
-// The tile source's BMP files: every form the reader takes, the refusals
-// with their codes and messages, the writer read back, and the crop.
+// The tile source's BMP files: the 1-bit rule, the refusals with their
+// codes and messages, rows longer than a read, the writer read back, and the
+// crop. Every accepted form is run as a source in tile_run_test.cpp.
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstring>
 #include <memory>
 
-#include "support/bmp_bytes.h"
 #include "frame/host_record.h"
+#include "support/bmp_bytes.h"
 #include "support/message_boxes.h"
 #include "support/temp_dir.h"
 #include "tile/source_file.h"
@@ -44,65 +45,6 @@ class BmpSource : public ::testing::Test {
   }
   TempDir dir_;
 };
-
-TEST_F(BmpSource, EveryAcceptedFormLoadsAsRgbTopToBottom) {
-  // A 5 x 3 picture whose pixel (x, y) has index (x + 2 y) % entries.
-  const std::array<uint8_t, 3> colours[] = {
-      {10, 20, 30}, {40, 50, 60}, {70, 80, 90}, {100, 110, 120}, {130, 140, 150}};
-  struct Form {
-    const char* name;
-    int32_t bits;
-    bool core;
-    uint32_t colorsUsed;
-    int32_t entries;
-  };
-  const Form forms[] = {
-      {"8 bits, long header, all 256 entries", 8, false, 0, 256},
-      {"8 bits, long header, five colours used", 8, false, 5, 5},
-      {"8 bits, core header", 8, true, 0, 256},
-      {"4 bits, long header", 4, false, 0, 16},
-      {"4 bits, core header", 4, true, 0, 16},
-  };
-  for (const Form& f : forms) {
-    SCOPED_TRACE(f.name);
-    BmpSpec spec;
-    spec.width = 5, spec.height = 3, spec.bits = f.bits, spec.coreHeader = f.core;
-    spec.colorsUsed = f.colorsUsed, spec.paletteEntries = f.entries;
-    spec.palette.assign(std::begin(colours), std::end(colours));
-    for (int32_t y = 0; y < 3; ++y)
-      for (int32_t x = 0; x < 5; ++x) spec.pixels.push_back(uint32_t((x + 2 * y) % 5));
-    Owned image;
-    ASSERT_EQ(Load(Write("p.bmp", MakeBmp(spec)), &image), kSourceFileOk);
-    ASSERT_EQ(image->type, kImageBGR24);
-    ASSERT_EQ(image->width, 5);
-    ASSERT_EQ(image->height, 3);
-    for (int32_t y = 0; y < 3; ++y)
-      for (int32_t x = 0; x < 5; ++x) {
-        const auto& c = colours[(x + 2 * y) % 5];
-        const uint8_t* p = PictureAt(image.get(), x, y);
-        ASSERT_EQ(p[0], c[0]) << x << "," << y;
-        ASSERT_EQ(p[1], c[1]) << x << "," << y;
-        ASSERT_EQ(p[2], c[2]) << x << "," << y;
-      }
-  }
-
-  // 24 bits, an odd width (rows padded), both headers.
-  for (bool core : {false, true}) {
-    BmpSpec spec;
-    spec.width = 7, spec.height = 4, spec.bits = 24, spec.coreHeader = core;
-    for (int32_t i = 0; i < 28; ++i) spec.pixels.push_back(uint32_t(i * 9 | (i * 5) << 8 | i << 16));
-    Owned image;
-    ASSERT_EQ(Load(Write("t.bmp", MakeBmp(spec)), &image), kSourceFileOk);
-    for (int32_t y = 0; y < 4; ++y)
-      for (int32_t x = 0; x < 7; ++x) {
-        const int32_t i = y * 7 + x;
-        const uint8_t* p = PictureAt(image.get(), x, y);
-        ASSERT_EQ(p[0], uint8_t(i * 9));
-        ASSERT_EQ(p[1], uint8_t(i * 5));
-        ASSERT_EQ(p[2], uint8_t(i));
-      }
-  }
-}
 
 // Set bits are white and clear bits black, whatever the palette says, and a
 // dark first entry is noticed but changes nothing.
@@ -211,50 +153,39 @@ TEST_F(BmpSource, RowsLongerThanOneReadAreNotRead) {
   EXPECT_EQ(PictureAt(image.get(), 21665, 1)[2], 255);
 }
 
+// Grey goes out as 8 bits with a grey palette and reads back as equal
+// channels; CMYK as 32 bits; other types are not written. (RGB is read back
+// in tile_preview_test.cpp.)
 TEST_F(BmpSource, SavedPicturesReadBackAsTheyWere) {
-  // RGB: 24 bits, rows as held.
-  Owned rgb(ImageCreate(kImageBGR24, 9, 4, 0, 0, kStorageOptionOneCell, nullptr, nullptr));
-  ASSERT_NE(rgb, nullptr);
-  for (int32_t y = 0; y < 4; ++y)
-    for (int32_t x = 0; x < 9; ++x)
-      for (int32_t c = 0; c < 3; ++c) ImagePixelAddress(rgb.get(), x, y)[c] = uint8_t(x * 20 + y * 3 + c);
-  const std::string rgbPath = dir_.File("rgb.bmp");
-  ASSERT_EQ(SaveImageBmp(rgb.get(), rgbPath.c_str()), kSourceFileOk);
-  Owned back;
-  ASSERT_EQ(Load(rgbPath, &back), kSourceFileOk);
-  for (int32_t y = 0; y < 4; ++y)
-    ASSERT_EQ(0, std::memcmp(ImagePixelAddress(back.get(), 0, y), ImagePixelAddress(rgb.get(), 0, y), 27));
-
-  // Grey: 8 bits with a grey palette, read back as equal channels.
   Owned grey(ImageCreate(kImageGrey8, 5, 3, 0, 0, kStorageOptionOneCell, nullptr, nullptr));
   for (int32_t y = 0; y < 3; ++y)
     for (int32_t x = 0; x < 5; ++x) ImagePixelAddress(grey.get(), x, y)[0] = uint8_t(x * 50 + y);
   const std::string greyPath = dir_.File("grey.bmp");
   ASSERT_EQ(SaveImageBmp(grey.get(), greyPath.c_str()), kSourceFileOk);
-  std::FILE* file = std::fopen(greyPath.c_str(), "rb");
-  BmpHeader header;
-  ASSERT_EQ(ReadBmpHeader(file, &header), kSourceFileOk);
-  std::fclose(file);
-  EXPECT_EQ(header.bitCount, 8);
-  EXPECT_EQ(header.colorsUsed, 256u);
-  EXPECT_EQ(header.offBits, 256u * 4 + 54);
-  EXPECT_EQ(header.fileSize, header.offBits + uint32_t(grey->imageBytes));
+  auto header = [](const std::string& path) {
+    BmpHeader h{};
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    EXPECT_EQ(ReadBmpHeader(file, &h), kSourceFileOk);
+    std::fclose(file);
+    return h;
+  };
+  const BmpHeader h = header(greyPath);
+  EXPECT_EQ(h.bitCount, 8);
+  EXPECT_EQ(h.colorsUsed, 256u);
+  EXPECT_EQ(h.fileSize, 256u * 4 + 54 + uint32_t(grey->imageBytes));
+  Owned back;
   ASSERT_EQ(Load(greyPath, &back), kSourceFileOk);
   for (int32_t y = 0; y < 3; ++y)
     for (int32_t x = 0; x < 5; ++x)
       for (int32_t c = 0; c < 3; ++c)
         ASSERT_EQ(ImagePixelAddress(back.get(), x, y)[c], uint8_t(x * 50 + y));
 
-  // CMYK goes out as 32 bits; other types are not written.
   Owned cmyk(ImageCreate(kImageCMYK32, 3, 3, 0, 0, kStorageOptionOneCell, nullptr, nullptr));
   ASSERT_EQ(SaveImageBmp(cmyk.get(), dir_.File("cmyk.bmp").c_str()), kSourceFileOk);
-  file = std::fopen(dir_.File("cmyk.bmp").c_str(), "rb");
-  ASSERT_EQ(ReadBmpHeader(file, &header), kSourceFileOk);
-  std::fclose(file);
-  EXPECT_EQ(header.bitCount, 32);
+  EXPECT_EQ(header(dir_.File("cmyk.bmp")).bitCount, 32);
   Owned lab(ImageCreate(kImageLab24, 3, 3, 0, 0, kStorageOptionOneCell, nullptr, nullptr));
   EXPECT_EQ(SaveImageBmp(lab.get(), dir_.File("lab.bmp").c_str()), kSourceFileReadError);
-  EXPECT_EQ(SaveImageBmp(rgb.get(), dir_.File("no/such/folder/x.bmp").c_str()),
+  EXPECT_EQ(SaveImageBmp(grey.get(), dir_.File("no/such/folder/x.bmp").c_str()),
             kSourceFileReadError);
 }
 

@@ -96,16 +96,6 @@ TEST_F(TilePreview, FullScaleShowsTheFinalResultAndHalfScaleEveryOtherPixel) {
   EXPECT_EQ(TilePreviewRender(result.get(), source.get(), 0.0), kErrFilterFailure);
 }
 
-TEST_F(TilePreview, OpacityZeroDrawsNothing) {
-  params_.opacity = 0;
-  Owned source = ImageOf(original_);
-  MakePreviewTile(source.get());
-  Owned result(ImageSameFormat(source.get(), kW, kH));
-  ImageFillWithByte(result.get(), 7);
-  ASSERT_EQ(TilePreviewRender(result.get(), source.get(), 1.0), kNoError);
-  EXPECT_EQ(ImagePixelAddress(result.get(), 33, 44)[1], 7);
-}
-
 // Save Tile writes the tile the right way up: read back, its corner is the
 // mother cell, and it repeats in the final result from the cell's corner.
 TEST_F(TilePreview, SavedTileReadsBackAsTheCellsWallpaper) {

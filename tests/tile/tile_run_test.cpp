@@ -132,22 +132,6 @@ TEST_F(TileRun, OpacityZeroLeavesTheImageAlthoughEveryRowIsMerged) {
 
 }
 
-// Opacity 50: every pixel lies between the image's and the full tile's.
-TEST_F(TileRun, HalfOpacityLiesBetweenTheImageAndTheTile) {
-  auto run = [&](int32_t opacity) {
-    TestHost host(kFilterTessaris, 90, 70, kModeRGB);
-    EXPECT_EQ(RunWith(host, [&](TileRecord& r) { r.opacity = opacity; }), kNoError);
-    return host.image();
-  };
-  const HostImage before = run(0), half = run(50), full = run(100);
-  for (size_t i = 0; i < before.pixels.size(); ++i) {
-    const int lo = std::min(before.pixels[i], full.pixels[i]);
-    const int hi = std::max(before.pixels[i], full.pixels[i]);
-    ASSERT_GE(half.pixels[i], lo) << i;
-    ASSERT_LE(half.pixels[i], hi) << i;
-  }
-}
-
 // A pan moves the wallpaper by its amount; a pan of a whole tile, or of a
 // negative amount short of it, lands where the remainder does.
 TEST_F(TileRun, PanMovesTheWallpaperAndWrapsEitherWay) {
@@ -192,32 +176,6 @@ TEST_F(TileRun, FeatherIsIgnoredByTheMirroredGroupsAndBlendsTheOthers) {
   EXPECT_TRUE(Repeats(soft, t, t)) << "a feathered cell still makes a wallpaper";
 }
 
-// P1's cell sheared by a quarter of its height: each band of tiles moves
-// right by the shear.
-TEST_F(TileRun, ShearedParallelogramShiftsEachBandOfTiles) {
-  TestHost host(kFilterTessaris, 160, 130, kModeGray);
-  const HostImage before = host.image();
-  int32_t width = 0, height = 0, shear = 0;
-  ASSERT_EQ(RunWith(host,
-                    [](TileRecord& r) {
-                      r.groupId = kGroupP1;
-                      r.cellShear = 0.25;
-                    }),
-            kNoError);
-  const SymmetryParams cell = reinterpret_cast<const TileRecord*>(host.effect())->cell;
-  width = cell.width, height = cell.height, shear = cell.shear;
-  ASSERT_GT(shear, 0);
-  EXPECT_TRUE(Repeats(host.image(), width, height, shear));
-  EXPECT_FALSE(Repeats(host.image(), width, height, 0));
-  // Inside the parallelogram, a pixel clear of its slanted edges, the image
-  // is its own cell: the bands meet without a seam.
-  for (int32_t r = 0; r < height; ++r) {
-    const int32_t edge = cell.cellX + shear * r / height, y = cell.cellY + r;
-    for (int32_t x = edge + 1; x < edge + width - 1; ++x)
-      ASSERT_EQ(host.image().at(x, y, 0), before.at(x, y, 0)) << x << "," << y;
-  }
-}
-
 TEST_F(TileRun, CancelDuringTheTileWritesNothingAndStoresThePan) {
   TestHost host(kFilterTessaris, 100, 80, kModeRGB);
   ASSERT_EQ(RunPlain(host), kNoError);  // the host now keeps the record
@@ -247,26 +205,6 @@ TEST_F(TileRun, CancelDuringTheTileWritesNothingAndStoresThePan) {
   host.ClearLog();
   EXPECT_EQ(host.Repeat(), kErrUserCancelled);
   EXPECT_LT(host.continueCalls(), 80);
-}
-
-TEST_F(TileRun, ImagesUnderFiftyPixelsAreRefusedWithTheMessage) {
-  for (auto [w, h] : {std::pair{49, 200}, std::pair{200, 49}}) {
-    TestHost host(kFilterTessaris, w, h, kModeRGB);
-    const HostImage before = host.image();
-    boxes_.Clear();
-    EXPECT_EQ(host.Run(), kErrUserCancelled);
-    EXPECT_EQ(gTileState.errorCode, kTileErrorTooSmall);
-    EXPECT_EQ(host.image(), before);
-    EXPECT_EQ(host.continueCalls(), 0);
-    ASSERT_EQ(boxes_.boxes().size(), 1u);
-    EXPECT_EQ(boxes_.boxes()[0].text, "Image is too small.  Try loading a different image.");
-  }
-  // The test is on the filtered rectangle.
-  TestHost host(kFilterTessaris, 200, 200, kModeRGB);
-  host.record().filterRect = Rect16{10, 10, 59, 100};
-  EXPECT_EQ(host.Run(), kErrUserCancelled);
-  host.record().filterRect = Rect16{10, 10, 60, 60};
-  EXPECT_EQ(host.Run(), kNoError);
 }
 
 TEST_F(TileRun, OutOfMemoryFailsCleanlyAndBadRecordsAreRefused) {
