@@ -1,14 +1,16 @@
-// MakeTile: the source rows, the feathered cell, the tile built by the
+// MakeTile: the source pixels, the feathered cell, the tile built by the
 // group, and where the tile's origin lies in the image.
 //
-// Row order. The final path builds with flipRows set: its source rows lie
-// bottom row first, as a loaded picture holds the rows of its file. The
-// host's rows come top row first, so the part of them the cell is cut from
-// is turned over for the build and put back afterwards; the tile then comes
-// out bottom row first and is turned to the image's order once. A preview
-// reads its picture top row first and builds plainly. Either way the tile
-// is the cell's wallpaper the right way up, its origin at the cell's corner,
-// so that with no pan the mother cell shows where it was cut.
+// The builders read the cell's region (its bounding box over the cell's
+// extent, grown by the feather's margins) from a copy of its own: from the
+// host's rows, the loaded picture or the preview's picture, with pixels past
+// the picture's edge repeating the edge. The final path builds with
+// flipRows set, so its copy lies bottom row first, as a loaded picture holds
+// the rows of its file; its tile comes out bottom row first and is turned to
+// the image's order once. A preview's copy lies top row first and builds
+// plainly. Either way the tile is the cell's wallpaper the right way up, its
+// origin at the cell's corner, so that with no pan the mother cell shows
+// where it was cut.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -16,6 +18,7 @@
 #include "frame/host_bridge.h"
 #include "frame/result_codes.h"
 #include "tile/source_convert.h"
+#include "tile/symmetry.h"
 #include "tile/tile_pixel.h"
 #include "tile/tile_run.h"
 #include "tile/tile_state.h"
@@ -44,49 +47,95 @@ void ReverseRows(uint8_t* base, int32_t stride, int32_t rows, int32_t rowBytes) 
   }
 }
 
-// The source rectangle of the loaded picture (bottom row first) or of the
-// preview's picture (top row first), copied at (1, 1) of the bordered
-// auxiliary buffer.
-int16_t CopyToAux(const Image* image, const Rect16& source, int32_t left, int32_t top,
-                  bool bottomUp, int32_t bytesPerPixel, SourceView* view) {
+// Pixels of a picture in source coordinates: (originX, originY) is the
+// picture's first pixel; rows lie bottom row first when bottomUp.
+struct PixelSource {
+  const uint8_t* base = nullptr;
+  int32_t stride = 0;
+  int32_t rows = 0;
+  int32_t cols = 0;
+  int32_t originX = 0;
+  int32_t originY = 0;
+  bool bottomUp = false;
+
+  // Row y, held to the picture's rows.
+  const uint8_t* Row(int32_t y) const {
+    const int32_t r = std::clamp(y - originY, 0, rows - 1);
+    return base + static_cast<ptrdiff_t>(bottomUp ? rows - 1 - r : r) * stride;
+  }
+};
+
+// A one-cell Image as a pixel source; false when its rows are not one block.
+bool ImageSource(const Image* image, int32_t originX, int32_t originY, bool bottomUp,
+                 int32_t bytesPerPixel, PixelSource* source) {
+  if (!image || image->bitsPerPixel != bytesPerPixel * 8 || image->width <= 0 ||
+      image->height <= 0)
+    return false;
+  const uint8_t* first = ImagePixelAddress(image, 0, 0);
+  const uint8_t* last = ImagePixelAddress(image, 0, image->height - 1);
+  if (!first || last != first + static_cast<ptrdiff_t>(image->height - 1) * image->rowBytes)
+    return false;
+  *source = {first, image->rowBytes, image->height, image->width, originX, originY, bottomUp};
+  return true;
+}
+
+// The host's delivered rows must be exactly the rows asked for.
+bool HostSource(const FilterRecord* host, int32_t bytesPerPixel, PixelSource* source) {
+  const Rect16& want = gTileState.sourceRequest;
+  const Rect16& got = host->inRect;
+  const int32_t cols = want.right - want.left, rows = want.bottom - want.top;
+  if (!host->inData || got.top != want.top || got.left != want.left ||
+      got.bottom != want.bottom || got.right != want.right || cols <= 0 || rows <= 0 ||
+      host->inHiPlane - host->inLoPlane + 1 != bytesPerPixel ||
+      host->inRowBytes < int64_t{cols} * bytesPerPixel)
+    return false;
+  *source = {static_cast<const uint8_t*>(host->inData),
+             host->inRowBytes,
+             rows,
+             cols,
+             want.left - gTileState.filterRect.left,
+             want.top - gTileState.filterRect.top,
+             false};
+  return true;
+}
+
+// Copies region (source coordinates) from the picture into the auxiliary
+// buffer, bottom row first when bottomUp; columns and rows past the picture
+// repeat its edge.
+int16_t CopyRegion(const PixelSource& from, const Rect16& region, bool bottomUp,
+                   int32_t bytesPerPixel, SourceView* view) {
   TileWorkBuffer& aux = gTileState.auxBuffer;
-  const int32_t width = source.right - source.left, height = source.bottom - source.top;
+  const int32_t width = region.right - region.left, height = region.bottom - region.top;
   aux = TileWorkBuffer{};
-  aux.width = width + 2;
-  aux.height = height + 2;
-  aux.rowBytes = aux.width * bytesPerPixel;
-  aux.handle = AllocateTileWork(static_cast<size_t>(aux.rowBytes) * aux.height);
+  aux.width = width;
+  aux.height = height;
+  aux.rowBytes = width * bytesPerPixel;
+  aux.pixelType = gTileState.pixelType;
+  aux.handle = AllocateTileWork(static_cast<size_t>(aux.rowBytes) * height);
   if (!aux.handle) return kErrOutOfMemory;
   aux.data = aux.handle.get();
   aux.state = 0;
-  aux.pixelType = gTileState.pixelType;
-  const int32_t x = source.left + left;
-  // Rows of a bottom-up picture count from its bottom.
-  const int32_t row = bottomUp ? image->height - (source.bottom + top) : source.top + top;
-  if (!CopyImagePartBordered(image, x, row, width, height, bytesPerPixel, aux.data, aux.rowBytes))
-    return kErrFilterFailure;
-  view->base = aux.data + aux.rowBytes + bytesPerPixel;
-  view->stride = aux.rowBytes;
-  view->rows = height;
-  view->cols = width;
-  view->bottomUp = bottomUp;
-  return kNoError;
-}
-
-// The host's delivered rows must be exactly the source rectangle asked for.
-int16_t HostView(const FilterRecord* host, int32_t bytesPerPixel, SourceView* view) {
-  const Rect16& want = gTileState.sourceRequest;
-  const Rect16& got = host->inRect;
-  if (!host->inData || got.top != want.top || got.left != want.left ||
-      got.bottom != want.bottom || got.right != want.right ||
-      host->inHiPlane - host->inLoPlane + 1 != bytesPerPixel)
-    return kErrFilterFailure;
-  view->cols = want.right - want.left;
-  view->rows = want.bottom - want.top;
-  if (host->inRowBytes < int64_t{view->cols} * bytesPerPixel) return kErrFilterFailure;
-  view->base = static_cast<uint8_t*>(host->inData);
-  view->stride = host->inRowBytes;
-  view->bottomUp = false;
+  // The columns the picture has, and the edges repeated on either side.
+  const int32_t x0 = std::clamp(from.originX, int32_t{region.left}, int32_t{region.right});
+  const int32_t x1 =
+      std::clamp(from.originX + from.cols, int32_t{region.left}, int32_t{region.right});
+  const int32_t firstCol = std::clamp(region.left - from.originX, 0, from.cols - 1);
+  const int32_t lastCol = std::clamp(region.right - 1 - from.originX, 0, from.cols - 1);
+  for (int32_t r = 0; r < height; ++r) {
+    const uint8_t* in = from.Row(region.top + r);
+    uint8_t* out = aux.data + static_cast<ptrdiff_t>(bottomUp ? height - 1 - r : r) * aux.rowBytes;
+    for (int32_t x = region.left; x < x0; ++x)
+      std::memcpy(out + (x - region.left) * bytesPerPixel, in + firstCol * bytesPerPixel,
+                  static_cast<size_t>(bytesPerPixel));
+    if (x1 > x0)
+      std::memcpy(out + (x0 - region.left) * bytesPerPixel,
+                  in + (x0 - from.originX) * bytesPerPixel,
+                  static_cast<size_t>(x1 - x0) * bytesPerPixel);
+    for (int32_t x = std::max(x0, x1); x < region.right; ++x)
+      std::memcpy(out + (x - region.left) * bytesPerPixel, in + lastCol * bytesPerPixel,
+                  static_cast<size_t>(bytesPerPixel));
+  }
+  *view = {aux.data, aux.rowBytes, height, width, bottomUp};
   return kNoError;
 }
 
@@ -178,9 +227,8 @@ void ReleaseTileBuffer() {
   s.tileBuffer.state = kTileBufferEmpty;
 }
 
-// turned: the host's rows turned over for the build, to be put back.
 int16_t MakeTileSteps(int32_t isPreview, FilterRecord* host, TileRecord* params,
-                      const Image* previewSource, SourceView* turned) {
+                      const Image* previewSource) {
   TileEngineState& s = gTileState;
   if (!s.symmetry) return kErrFilterFailure;
   Symmetry& symmetry = *s.symmetry;
@@ -199,34 +247,29 @@ int16_t MakeTileSteps(int32_t isPreview, FilterRecord* host, TileRecord* params,
   }
   const bool feathered = symmetry.feather != 0;
 
-  // 3, 4. The source rectangle's pixels.
-  Rect16 source;
-  symmetry.GetSourceRect(&source);
-  SourceView view;
-  int16_t got;
+  // 3, 4. The cell's region, copied in the path's row order.
+  const bool flip = symmetry.flipRows != 0;
+  Rect16 region;
+  TileSourceRegion(symmetry, &region);
+  PixelSource picture;
+  bool readable;
   if (s.sourceKind == kTileSourceFile) {
-    const Image* loaded = s.loadedSource.get();
-    if (!loaded || TilePixelTypeOfImage(loaded->type) != pixelType) return kErrFilterFailure;
-    got = CopyToAux(loaded, source, s.cropLeft, s.cropTop, true, bytesPerPixel, &view);
+    readable = ImageSource(s.loadedSource.get(), -s.cropLeft, -s.cropTop, true, bytesPerPixel,
+                           &picture) &&
+               TilePixelTypeOfImage(s.loadedSource->type) == pixelType;
   } else if (isPreview) {
-    if (!previewSource || TilePixelTypeOfImage(previewSource->type) != pixelType)
-      return kErrFilterFailure;
-    got = CopyToAux(previewSource, source, 0, 0, false, bytesPerPixel, &view);
+    readable = ImageSource(previewSource, 0, 0, false, bytesPerPixel, &picture) &&
+               TilePixelTypeOfImage(previewSource->type) == pixelType;
   } else {
-    got = HostView(host, bytesPerPixel, &view);
+    readable = HostSource(host, bytesPerPixel, &picture);
   }
-  if (got != kNoError) return got;
-  // The view's rows in the order of the path: bottom row first when flipped.
-  // The host's rows are turned back by RestoreHostRows.
-  if (view.bottomUp != (symmetry.flipRows != 0)) {
-    ReverseRows(view.base, view.stride, view.rows, view.cols * bytesPerPixel);
-    view.bottomUp = !view.bottomUp;
-  }
-  if (!isPreview && s.sourceKind == kTileSourceImage) *turned = view;
+  if (!readable) return kErrFilterFailure;
+  SourceView view;
+  const int16_t copied = CopyRegion(picture, region, flip, bytesPerPixel, &view);
+  if (copied != kNoError) return copied;
 
   // The cell's bounding box: its lowest row in memory, and its first column.
-  const int32_t lowMargin =
-      view.bottomUp ? symmetry.featherMargin[kSideBottom] : symmetry.featherMargin[kSideTop];
+  const int32_t lowMargin = symmetry.featherMargin[flip ? kSideBottom : kSideTop];
   const uint8_t* cellCorner = view.base + static_cast<ptrdiff_t>(lowMargin) * view.stride +
                               static_cast<ptrdiff_t>(symmetry.featherMargin[kSideLeft]) *
                                   bytesPerPixel;
@@ -289,11 +332,7 @@ int16_t MakeTile(int32_t isPreview, FilterRecord* host, TileRecord* params,
   TileEngineState& s = gTileState;
   ReleaseTileBuffer();
   if (!isPreview && !host) return kErrFilterFailure;
-  SourceView turned;
-  const int16_t result = MakeTileSteps(isPreview, host, params, previewSource, &turned);
-  if (turned.base)
-    ReverseRows(turned.base, turned.stride, turned.rows,
-                turned.cols * TileBytesPerPixel(s.pixelType));
+  const int16_t result = MakeTileSteps(isPreview, host, params, previewSource);
   s.cellBuffer = TileWorkBuffer{};
   s.auxBuffer = TileWorkBuffer{};
   if (result == kNoError) {

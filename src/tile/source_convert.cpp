@@ -1,7 +1,5 @@
 #include "tile/source_convert.h"
 
-#include <cstring>
-
 #include "tile/tile_pixel.h"
 
 namespace fancy {
@@ -37,25 +35,6 @@ int32_t TilePixelTypeOfImage(int32_t imageType) {
     case kImageMask: return kTilePixelGray;
     default: return 0;
   }
-}
-
-bool CopyImagePartBordered(const Image* image, int32_t x, int32_t row, int32_t width,
-                           int32_t height, int32_t bytesPerPixel, uint8_t* out,
-                           int32_t outRowBytes) {
-  if (!image || !out || width <= 0 || height <= 0 || x < 0 || row < 0 ||
-      int64_t{x} + width > image->width || int64_t{row} + height > image->height ||
-      int64_t{outRowBytes} < (int64_t{width} + 2) * bytesPerPixel ||
-      image->bitsPerPixel != bytesPerPixel * 8)
-    return false;
-  // Addresses of the first and last rows prove the whole part addressable.
-  if (!ImagePixelAddress(image, x, row) || !ImagePixelAddress(image, x, row + height - 1))
-    return false;
-  for (int32_t r = 0; r < height; ++r) {
-    const uint8_t* from = ImagePixelAddress(image, x, row + r);
-    uint8_t* to = out + static_cast<ptrdiff_t>(r + 1) * outRowBytes + bytesPerPixel;
-    std::memcpy(to, from, static_cast<size_t>(width) * bytesPerPixel);
-  }
-  return true;
 }
 
 }  // namespace fancy

@@ -49,6 +49,11 @@ bool TileLoadedSourceFits(const Image* loaded);
 void TileAdoptLoadedSource(TileRecord* params, const Image* loaded, int32_t filteredWidth,
                            int32_t filteredHeight, bool isNew);
 
+// The part of the source picture the builders read: from the corner of the
+// cell's bounding box over the cell's extent (which may pass the box by a
+// pixel or two), grown by the feather's margins; right and bottom one past.
+void TileSourceRegion(const Symmetry& symmetry, Rect16* region);
+
 // The TilePixelType of the host's rows (1, 3 or 4), 0 for an image mode or
 // plane count the effect cannot work in.
 int32_t TileHostPixelType(const FilterRecord* host);

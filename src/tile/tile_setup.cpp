@@ -155,26 +155,39 @@ int16_t TileSetup(FilterRecord* host, TileRecord* params, const RunSlot* slot) {
       symmetry.extentHeight <= 0)
     return kErrFilterFailure;
 
-  // The cell and its feather must lie in the source picture: the rows asked
-  // for, or the part of the loaded picture copied, are exactly this.
-  Rect16 source;
-  symmetry.GetSourceRect(&source);
-  if (source.top < 0 || source.left < 0 || source.bottom > s.sourceHeight ||
-      source.right > s.sourceWidth || source.top >= source.bottom || source.left >= source.right)
+  // The cell's box must lie in the source picture; its region (which may
+  // pass the box by a pixel or two, and by the feather) is read as far as
+  // the picture has it.
+  Rect16 box, region;
+  symmetry.GetRect(&box);
+  TileSourceRegion(symmetry, &region);
+  if (box.top < 0 || box.left < 0 || box.bottom > s.sourceHeight || box.right > s.sourceWidth ||
+      box.top >= box.bottom || box.left >= box.right)
     return kErrFilterFailure;
 
-  // 8. The image itself: its rows of the source rectangle are asked for.
+  // 8. The image itself: its rows of the region are asked for.
+  s.sourceRequest = Rect16{};
   if (s.sourceKind == kTileSourceImage) {
-    s.sourceRequest = Rect16{static_cast<int16_t>(source.top + host->filterRect.top),
-                             static_cast<int16_t>(source.left + host->filterRect.left),
-                             static_cast<int16_t>(source.bottom + host->filterRect.top),
-                             static_cast<int16_t>(source.right + host->filterRect.left)};
-  } else {
-    s.sourceRequest = Rect16{};
+    const Rect16& f = host->filterRect;
+    s.sourceRequest = Rect16{static_cast<int16_t>(std::max<int32_t>(region.top, 0) + f.top),
+                             static_cast<int16_t>(std::max<int32_t>(region.left, 0) + f.left),
+                             static_cast<int16_t>(std::min(region.bottom, int16_t(filterHeight)) + f.top),
+                             static_cast<int16_t>(std::min(region.right, int16_t(filterWidth)) + f.left)};
   }
   return kNoError;
 }
 
 int32_t TileHostPixelType(const FilterRecord* host) { return PixelTypeOfHost(host); }
+
+void TileSourceRegion(const Symmetry& symmetry, Rect16* region) {
+  Rect16 box;
+  symmetry.GetRect(&box);
+  const int16_t* margin = symmetry.featherMargin;
+  region->top = static_cast<int16_t>(box.top - margin[kSideTop]);
+  region->left = static_cast<int16_t>(box.left - margin[kSideLeft]);
+  region->bottom =
+      static_cast<int16_t>(box.top + symmetry.extentHeight + margin[kSideBottom]);
+  region->right = static_cast<int16_t>(box.left + symmetry.extentWidth + margin[kSideRight]);
+}
 
 }  // namespace fancy
