@@ -1,0 +1,279 @@
+// Whole runs of Paint Brushka through the frame, as a host makes them: the
+// rows asked for, the pictures made, progress, and what is left after a run.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "frame/block.h"
+#include "frame/module_state.h"
+#include "platform/clock.h"
+#include "stroke/placement.h"
+#include "stroke_fixture.h"
+#include "support/message_boxes.h"
+#include "support/test_host.h"
+
+namespace fancy {
+namespace {
+
+using testing::BrushBmp;
+using testing::HostImage;
+using testing::TestHost;
+
+// The numbers of a style section.
+struct StyleKeys {
+  std::string brush = "brush.bmp";
+  std::string brushParms = "346,40,7,0,0";  // layering, density, seed, jitter x, y
+  std::string colorParms = "0,0,0,0,0";
+  std::string sizeParms = "1142,60,0,0";
+  std::string angleParms = "1142,30,0,0";
+  std::string transParms = "1142,0,0,0";
+  std::string background = "RGB255,0,0,255,USER";
+};
+
+class StrokeRunTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ModuleShutdown();
+    BrushBmp soft;
+    soft.width = 16;
+    soft.height = 12;
+    soft.value = [](int32_t x, int32_t y) {
+      const int32_t d = (x - 8) * (x - 8) + (y - 6) * (y - 6) * 2;
+      return static_cast<uint8_t>(d < 40 ? 255 - d * 5 : 0);
+    };
+    folder_.WritePlugin("brush.bmp", soft.Bytes());
+    UseStyle(StyleKeys{});
+  }
+  void TearDown() override {
+    ModuleShutdown();
+    CrtTimeOverride(-1);
+  }
+
+  void UseStyle(const StyleKeys& k) {
+    folder_.WriteStyleFile("[PresetList]\nCurrent=Test\n[Brushes]\nDir=.\n[Test]\nBrushName=" +
+                           k.brush + "\nColorBackground=" + k.background +
+                           "\nWriteable=1\nBrushParms=" + k.brushParms +
+                           "\nColorParms=" + k.colorParms + "\nSizeParms=" + k.sizeParms +
+                           "\nAngleParms=" + k.angleParms + "\nTransParms=" + k.transParms + "\n");
+  }
+
+  // A whole run on a new host's picture of the given size and pattern.
+  HostImage Paint(int32_t w, int32_t h, int16_t mode = kModeRGB, uint32_t pattern = 3) {
+    TestHost host(kFilterBrushka, w, h, mode);
+    host.FillPattern(pattern);
+    EXPECT_EQ(host.Run(), 0);
+    return host.image();
+  }
+
+  testing::StyleFolder folder_;
+  testing::MessageBoxRecorder boxes_;
+};
+
+// Drives a run by hand and returns the rows asked for, in order.
+std::vector<int16_t> RequestedRows(TestHost* host) {
+  std::vector<int16_t> rows;
+  EXPECT_EQ(host->Call(kSelectorParameters), 0);
+  EXPECT_EQ(host->Call(kSelectorPrepare), 0);
+  EXPECT_EQ(host->Call(kSelectorStart), 0);
+  while (host->record().inRect.bottom != 0 && rows.size() < 10000) {
+    rows.push_back(host->record().inRect.top);
+    EXPECT_EQ(host->Call(kSelectorContinue), 0);
+  }
+  EXPECT_EQ(host->Call(kSelectorFinish), 0);
+  return rows;
+}
+
+TEST_F(StrokeRunTest, FirstPassGoesStraightToTheAnchorRows) {
+  // Density 1 on 100 x 100: S = 2.37, so 2 x 2 strokes at the quarter points.
+  const StrokeGrid grid = StrokeGridOf(100, 100, 1);
+  EXPECT_EQ(grid.cols, 2);
+  EXPECT_EQ(grid.rows, 2);
+  StyleKeys k;
+  k.brushParms = "346,1,7,0,0";
+  UseStyle(k);
+  {
+    TestHost host(kFilterBrushka, 100, 100, kModeRGB);
+    const std::vector<int16_t> rows = RequestedRows(&host);
+    // First pass: the first row, the two anchor rows, and the row after the
+    // last, which ends it. Second pass: every row in turn.
+    std::vector<int16_t> expected = {0, 25, 75, 76};
+    for (int16_t r = 0; r < 100; ++r) expected.push_back(r);
+    EXPECT_EQ(rows, expected);
+  }
+
+  // Inside a rectangle rows count from its top, and the anchors are the
+  // rectangle's quarter points.
+  TestHost part(kFilterBrushka, 120, 130, kModeRGB);
+  part.record().filterRect = Rect16{10, 20, 110, 120};
+  const std::vector<int16_t> partRows = RequestedRows(&part);
+  ASSERT_GE(partRows.size(), 4u);
+  EXPECT_EQ(std::vector<int16_t>(partRows.begin(), partRows.begin() + 4),
+            (std::vector<int16_t>{10, 35, 85, 86}));
+}
+
+TEST_F(StrokeRunTest, OneByOneRectangleStaysAsItIs) {
+  StyleKeys k;
+  k.brushParms = "346,100,7,0,0";
+  k.sizeParms = "1142,100,0,0";
+  UseStyle(k);
+  {
+    TestHost one(kFilterBrushka, 1, 1, kModeRGB);
+    const HostImage before = one.image();
+    ASSERT_EQ(one.Run(), 0);
+    EXPECT_EQ(one.image(), before);
+  }
+
+  TestHost host(kFilterBrushka, 9, 9, kModeRGB);
+  host.record().filterRect = Rect16{4, 4, 5, 5};
+  const HostImage before = host.image();
+  ASSERT_EQ(host.Run(), 0);
+  EXPECT_EQ(host.image(), before);
+}
+
+TEST_F(StrokeRunTest, SameStyleSeedAndRectangleGiveTheSamePicture) {
+  StyleKeys k;
+  k.brushParms = "345,60,11,100,100";
+  k.colorParms = "0,0,20,20,20";
+  k.sizeParms = "1143,20,90,10";
+  k.angleParms = "1144,-90,90,20";
+  k.transParms = "1145,0,40,30";
+  UseStyle(k);
+  for (int16_t mode : {kModeRGB, kModeGray}) {
+    const HostImage first = Paint(61, 47, mode);
+    const HostImage again = Paint(61, 47, mode);
+    EXPECT_EQ(first, again) << mode;
+    EXPECT_NE(first, Paint(61, 47, mode, 4)) << "the picture is painted from the source";
+  }
+  const HostImage seven = Paint(61, 47);
+  k.brushParms = "345,60,12,100,100";
+  UseStyle(k);
+  EXPECT_NE(Paint(61, 47), seven) << "another seed, another picture";
+}
+
+TEST_F(StrokeRunTest, SeedThirteenFollowsTheClock) {
+  StyleKeys k;
+  k.brushParms = "345,60,13,100,100";
+  UseStyle(k);
+  CrtTimeOverride(1'000'000);
+  const HostImage first = Paint(50, 40);
+  EXPECT_EQ(Paint(50, 40), first) << "twice in the same second";
+  CrtTimeOverride(1'000'001);
+  EXPECT_NE(Paint(50, 40), first);
+}
+
+TEST_F(StrokeRunTest, LayeringsDifferAndNoLayeringKeepsTheLastOrder) {
+  StyleKeys k;
+  k.brushParms = "346,80,5,100,100";
+  k.sizeParms = "1143,40,100,0";
+  UseStyle(k);
+  const HostImage ordered = Paint(48, 40);
+  k.brushParms = "0,80,5,100,100";
+  UseStyle(k);
+  EXPECT_EQ(Paint(48, 40), ordered);
+  k.brushParms = "345,80,5,100,100";
+  UseStyle(k);
+  const HostImage random = Paint(48, 40);
+  EXPECT_NE(random, ordered);
+  k.brushParms = "0,80,5,100,100";
+  UseStyle(k);
+  EXPECT_EQ(Paint(48, 40), random);
+  k.brushParms = "347,80,5,100,100";
+  UseStyle(k);
+  const HostImage paint = Paint(48, 40);
+  EXPECT_NE(paint, ordered);
+  EXPECT_NE(paint, random);
+}
+
+// A brush that cannot be used paints no stroke: the picture is what the
+// background rule makes it, the source or the solid colour.
+TEST_F(StrokeRunTest, UnusableBrushPaintsNoStroke) {
+  BrushBmp deep;
+  deep.bitCount = 24;
+  BrushBmp cut;
+  cut.cutBytes = 3;
+  folder_.WritePlugin("deep.bmp", deep.Bytes());
+  folder_.WritePlugin("cut.bmp", cut.Bytes());
+  const int32_t blocks = BlockLiveCount();
+  for (const char* brush : {"missing.bmp", "deep.bmp", "cut.bmp", ""}) {
+    StyleKeys k;
+    k.brush = brush;
+    k.brushParms = "345,100,5,100,100";
+    UseStyle(k);
+    {
+      TestHost host(kFilterBrushka, 30, 20, kModeRGB);
+      const HostImage before = host.image();
+      ASSERT_EQ(host.Run(), 0) << brush;
+      EXPECT_EQ(host.image(), before) << brush;
+    }
+    k.colorParms = "0,1,0,0,0";  // a solid background: blue, stored blue first
+    UseStyle(k);
+    TestHost host(kFilterBrushka, 30, 20, kModeRGB);
+    ASSERT_EQ(host.Run(), 0) << brush;
+    for (int32_t y = 0; y < 20; ++y)
+      for (int32_t x = 0; x < 30; ++x)
+        ASSERT_TRUE(host.image().at(x, y, 0) == 255 && host.image().at(x, y, 1) == 0 &&
+                    host.image().at(x, y, 2) == 0)
+            << brush << " at " << x << "," << y;
+  }
+  EXPECT_EQ(BlockLiveCount(), blocks);
+}
+
+TEST_F(StrokeRunTest, ProgressRunsThroughThePhaseBar) {
+  TestHost host(kFilterBrushka, 40, 30, kModeRGB);
+  ASSERT_EQ(host.Run(), 0);
+  const std::vector<testing::ProgressCall>& calls = host.progress();
+  ASSERT_GE(calls.size(), 6u);
+  EXPECT_EQ(calls.front(), (testing::ProgressCall{-1, 1}));
+  EXPECT_EQ(calls[1], (testing::ProgressCall{0, 100})) << "stage 0 at the first continue";
+  // Through both passes the bar only moves on, from 10 to 95, and ends at 100.
+  size_t i = 2;
+  int32_t last = 10;
+  for (; i < calls.size() && calls[i].done >= 0; ++i) {
+    EXPECT_EQ(calls[i].total, 100);
+    EXPECT_GE(calls[i].done, last) << i;
+    last = calls[i].done;
+  }
+  ASSERT_LT(i, calls.size());
+  EXPECT_LE(calls[i - 2].done, 95);
+  EXPECT_EQ(calls[i - 1], (testing::ProgressCall{100, 100})) << "stage 3 at the end";
+  const std::vector<testing::ProgressCall> release(calls.begin() + static_cast<long>(i), calls.end());
+  EXPECT_EQ(release, (std::vector<testing::ProgressCall>{{-3, 1}, {95, 100}, {-3, 100}}));
+}
+
+TEST_F(StrokeRunTest, ReleaseLeavesNothingBehindEvenAfterACancel) {
+  StyleKeys k;
+  k.brushParms = "345,100,5,100,100";
+  UseStyle(k);
+  TestHost host(kFilterBrushka, 40, 30, kModeRGB);
+  host.FillPattern(3);
+  ASSERT_EQ(host.Run(), 0);  // the parameters are the host's from now on
+  const HostImage whole = host.image();
+  const int32_t blocks = BlockLiveCount();
+  // Cancelled in the middle of the second pass, with strokes open.
+  host.FillPattern(3);
+  host.SetAbort([](int32_t call) { return call == 40; });
+  ASSERT_EQ(host.Run(), kErrUserCancelled);
+  EXPECT_EQ(BlockLiveCount(), blocks) << "the engine's blocks and the run slot are gone";
+  // The next run starts afresh and paints what an uncancelled one paints.
+  host.SetAbort(nullptr);
+  host.FillPattern(3);
+  ASSERT_EQ(host.Run(), 0);
+  EXPECT_EQ(host.image(), whole);
+}
+
+TEST_F(StrokeRunTest, TableThatCannotBeHadFailsWithOutOfMemory) {
+  StyleKeys k;
+  k.brushParms = "345,2000000000,5,0,0";
+  UseStyle(k);
+  TestHost host(kFilterBrushka, 300, 300, kModeRGB);
+  const HostImage before = host.image();
+  const int32_t blocks = BlockLiveCount();
+  EXPECT_EQ(host.Run(), kErrOutOfMemory);
+  EXPECT_EQ(host.image(), before);
+  EXPECT_EQ(BlockLiveCount(), blocks);
+}
+
+}  // namespace
+}  // namespace fancy
