@@ -63,6 +63,9 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
       if (!value(&o.maskPath)) return false;
     } else if (a == "--params") {
       if (!value(&o.paramsPath)) return false;
+    } else if (a == "--style") {
+      if (!value(&o.style)) return false;
+      if (o.style.empty()) return Fail(error, "--style wants the name of a saved style");
     } else if (a == "--rect") {
       if (!value(&v)) return false;
       int32_t r[4];
@@ -98,6 +101,8 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
   if (o.filterId == 0)
     return Fail(error, "unknown effect \"" + positional[0] +
                            "\": use brushka, tessaris, glass, knurl or 200..203");
+  if (!o.style.empty() && o.filterId != kFilterBrushka)
+    return Fail(error, "--style chooses a style of brushka only");
   if (want == 3) {
     o.input = positional[1];
     o.output = positional[2];
@@ -196,6 +201,9 @@ const char* UsageText() {
       "  --params FILE        load the effect's parameters before the run if FILE exists,\n"
       "                       save them after a successful run\n"
       "  --no-dialog          repeat with the parameters of --params, without the dialog\n"
+      "  --style NAME         brushka: choose the saved style NAME before the run, as the\n"
+      "                       style list of the dialog does (it becomes the current style\n"
+      "                       and is loaded into the parameters)\n"
       "  --trace              one line per event on standard output:\n"
       "                         call SELECTOR result CODE\n"
       "                         progress DONE TOTAL\n"
