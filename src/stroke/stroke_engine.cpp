@@ -9,7 +9,6 @@
 #include "frame/result_codes.h"
 #include "stroke/first_pass.h"
 #include "stroke/paint_pass.h"
-#include "stroke/placement.h"
 #include "stroke/stroke_state.h"
 
 namespace fancy {
@@ -19,8 +18,6 @@ StrokeEngineState gStrokeEngine{};
 namespace {
 
 enum PhaseStage : int32_t { kStageStart = 0, kStageFirst = 1, kStageSecond = 2, kStageEnd = 3 };
-
-int32_t gStartCount = 1;
 
 int32_t RectWidth(const Rect16& r) { return r.right - r.left; }
 int32_t RectHeight(const Rect16& r) { return r.bottom - r.top; }
@@ -37,7 +34,7 @@ void StrokeEngineReset(StrokeEngineState* s) {
   s->order = order;
 }
 
-int16_t StrokeEngineStart(FilterRecord* record, const StrokeRecord* style) {
+int16_t StrokeEngineStart(FilterRecord* record, const StrokeRecord*) {
   SetCurrentFilterRecord(record);
   HostExtension extension;
   ReadHostExtensionIfOffered(record, &extension);
@@ -46,12 +43,8 @@ int16_t StrokeEngineStart(FilterRecord* record, const StrokeRecord* style) {
     RequestStrokeRow(record, rect.top);
   else
     ClearRowRequest(record);
-  const StrokeGrid grid = StrokeGridOf(RectWidth(rect), RectHeight(rect), style->density);
-  gStartCount = grid.count > INT32_MAX ? INT32_MAX : static_cast<int32_t>(grid.count);
   return kNoError;
 }
-
-int32_t StrokeEngineStartCount() { return gStartCount; }
 
 int16_t StrokeEngineStep(FilterRecord* record, StrokeRecord* style) {
   StrokeEngineState* s = &gStrokeEngine;

@@ -15,9 +15,9 @@
 namespace fancy {
 
 // Selector 3: keeps the record as the current one, asks the host's
-// extension once (when offered; the answer is not used), asks for the first
-// row (three planes) and works out the count for the rectangle. No stroke
-// exists yet.
+// extension once (when offered; the answer is not used) and asks for the
+// first row (three planes). No stroke exists yet: the strokes are counted
+// and placed at the first step (StrokeGridOf gives their count).
 int16_t StrokeEngineStart(FilterRecord* record, const StrokeRecord* style);
 
 // Selector 4: one step on the delivered row. 0, or -108 when the stroke
@@ -27,9 +27,6 @@ int16_t StrokeEngineStep(FilterRecord* record, StrokeRecord* style);
 // Selector 5, and the end of a preview: frees the table, the mask and every
 // open stroke, if a run was started. Nothing of the engine survives it.
 void StrokeEngineRelease(FilterRecord* record);
-
-// The count of strokes that the last start worked out (at least 1).
-int32_t StrokeEngineStartCount();
 
 // Runs the engine over a picture in memory, standing in for the host as the
 // style dialog's preview does: for the run, the record's filterRect is the

@@ -26,7 +26,6 @@ struct StrokeEngineState {
   int16_t savedTop;  // filterRect.top: rows count from it
   int32_t width;     // the engine's rectangle: (0, 0) to (width, height)
   int32_t height;
-  int32_t startCount;  // the count worked out by the start (at least 1)
 
   StrokeWorking working;
   uint32_t colourModes;  // ColourModeFlags of the working numbers

@@ -10,6 +10,7 @@
 #include "frame/module_state.h"
 #include "platform/clock.h"
 #include "stroke/placement.h"
+#include "stroke/stroke_engine.h"
 #include "stroke_fixture.h"
 #include "support/message_boxes.h"
 #include "support/test_host.h"
@@ -30,6 +31,7 @@ struct StyleKeys {
   std::string angleParms = "1142,30,0,0";
   std::string transParms = "1142,0,0,0";
   std::string background = "RGB255,0,0,255,USER";
+  std::string extra;  // more lines of the section
 };
 
 class StrokeRunTest : public ::testing::Test {
@@ -56,7 +58,8 @@ class StrokeRunTest : public ::testing::Test {
                            k.brush + "\nColorBackground=" + k.background +
                            "\nWriteable=1\nBrushParms=" + k.brushParms +
                            "\nColorParms=" + k.colorParms + "\nSizeParms=" + k.sizeParms +
-                           "\nAngleParms=" + k.angleParms + "\nTransParms=" + k.transParms + "\n");
+                           "\nAngleParms=" + k.angleParms + "\nTransParms=" + k.transParms + "\n" +
+                           k.extra);
   }
 
   // A whole run on a new host's picture of the given size and pattern.
@@ -261,6 +264,78 @@ TEST_F(StrokeRunTest, ReleaseLeavesNothingBehindEvenAfterACancel) {
   host.FillPattern(3);
   ASSERT_EQ(host.Run(), 0);
   EXPECT_EQ(host.image(), whole);
+}
+
+// Values that no dialog would make still paint without a fault (the
+// sanitizer build watches every one of these runs).
+TEST_F(StrokeRunTest, ExtremeStyleValuesPaintWithoutFault) {
+  const char* kMax = "2147483647";
+  const char* kMin = "-2147483648";
+  std::vector<StyleKeys> styles(4);
+  styles[0].brushParms = "345,-5,1,100000,-100000";
+  styles[1].brushParms = std::string("347,100,999,") + kMax + "," + kMin;
+  styles[1].sizeParms = std::string("1143,-1000,1000,") + kMax;
+  styles[1].angleParms = std::string("1144,") + kMin + "," + kMax + "," + kMax;
+  styles[1].transParms = std::string("1147,") + kMax + "," + kMin + ",7";
+  styles[1].colorParms = std::string("7,9,100000,-100000,") + kMax;
+  styles[2].brushParms = "346,100,5,100,100";
+  styles[2].sizeParms = "1144,100,100,100";
+  styles[2].angleParms = "1144,0,0,180";
+  styles[2].extra = "XDistVal=1e300\nYDistVal=-1e300\n";
+  styles[3].brushParms = "345,100,5,300,300";
+  styles[3].sizeParms = "1142,100,0,0";
+  styles[3].transParms = "1143,100,0,100";
+  for (size_t i = 0; i < styles.size(); ++i) {
+    UseStyle(styles[i]);
+    TestHost host(kFilterBrushka, 37, 23, kModeRGB);
+    const int16_t result = host.Run();
+    EXPECT_TRUE(result == 0 || result == kErrOutOfMemory) << i << ": " << result;
+  }
+}
+
+Boolean AlwaysCancel() { return 1; }
+
+// The engine run over a picture in memory, as the dialog's preview runs it,
+// paints what the host's run paints, whatever the picture's row stride.
+TEST_F(StrokeRunTest, PictureInMemoryIsPaintedAsTheHostPaintsIt) {
+  StyleKeys k;
+  k.brushParms = "345,70,9,100,100";
+  k.sizeParms = "1143,30,100,5";
+  UseStyle(k);
+  constexpr int32_t kW = 45, kH = 33, kStride = kW * 3 + 5;
+  TestHost host(kFilterBrushka, kW, kH, kModeRGB);
+  host.FillPattern(8);
+  std::vector<uint8_t> picture(static_cast<size_t>(kStride) * kH, 0xEE);
+  for (int32_t y = 0; y < kH; ++y)
+    std::memcpy(&picture[static_cast<size_t>(y) * kStride], &host.image().pixels[static_cast<size_t>(y) * kW * 3], kW * 3);
+  const std::vector<uint8_t> source = picture;
+  ASSERT_EQ(host.Run(), 0);
+  auto* style = reinterpret_cast<StrokeRecord*>(host.effect());
+
+  FilterRecord record{};
+  record.filterRect = Rect16{1, 2, 3, 4};
+  uint8_t marker = 0;
+  record.inData = &marker;
+  const int32_t blocks = BlockLiveCount();
+  ASSERT_EQ(StrokePaintPicture(&record, style, picture.data(), kW, kH, kStride), 0);
+  for (int32_t y = 0; y < kH; ++y) {
+    ASSERT_EQ(std::memcmp(&picture[static_cast<size_t>(y) * kStride],
+                          &host.image().pixels[static_cast<size_t>(y) * kW * 3], kW * 3),
+              0)
+        << "row " << y;
+    for (int32_t i = kW * 3; i < kStride; ++i) ASSERT_EQ(picture[static_cast<size_t>(y) * kStride + i], 0xEE);
+  }
+  EXPECT_EQ(record.filterRect.bottom, 3) << "the record's rectangle and rows come back";
+  EXPECT_EQ(record.inData, &marker);
+  EXPECT_EQ(record.outData, nullptr);
+  EXPECT_EQ(BlockLiveCount(), blocks);
+
+  // Cancelled after its first step, the run stops with -128 and frees all.
+  std::vector<uint8_t> cancelled = source;
+  record.abortProc = AlwaysCancel;
+  EXPECT_EQ(StrokePaintPicture(&record, style, cancelled.data(), kW, kH, kStride), kErrUserCancelled);
+  EXPECT_EQ(cancelled, source);
+  EXPECT_EQ(BlockLiveCount(), blocks);
 }
 
 TEST_F(StrokeRunTest, TableThatCannotBeHadFailsWithOutOfMemory) {
