@@ -50,6 +50,14 @@ const char* CopyTempString(const char* text) {
   return out;
 }
 
+uint32_t StringTableDuplicateId() {
+  const size_t count = std::size(kStringRows) - 1;  // the last row ends the table
+  for (size_t i = 0; i < count; ++i)
+    for (size_t j = i + 1; j < count; ++j)
+      if (kStringRows[i].id == kStringRows[j].id) return kStringRows[i].id;
+  return 0;
+}
+
 const char* LoadTempString(uint32_t id) { return CopyTempString(FindString(id)); }
 
 }  // namespace fancy

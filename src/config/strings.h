@@ -20,4 +20,9 @@ const char* LoadTempString(uint32_t id);
 // as ""); for texts that are put together before they are shown.
 const char* CopyTempString(const char* text);
 
+// The first id that two rows of the table share, or 0. Each subsystem picks
+// its own ids, so a clash would silently show the wrong text; a test keeps
+// the table free of them.
+uint32_t StringTableDuplicateId();
+
 }  // namespace fancy

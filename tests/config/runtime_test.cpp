@@ -105,6 +105,10 @@ struct Box {
   uint32_t flags;
 };
 
+// Every subsystem adds its own rows; two rows with one id would show the
+// wrong text somewhere.
+TEST(StringTable, IdsAreUnique) { EXPECT_EQ(StringTableDuplicateId(), 0u); }
+
 TEST(Condition, CaptionAndTextFollowTheTemplate) {
   std::vector<Box> boxes;
   SetMessageBoxHandler([&](void*, const char* text, const char* caption, uint32_t flags) {
