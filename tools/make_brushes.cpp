@@ -103,11 +103,11 @@ Brush DryBristle() {
   for (int32_t y = 0; y < h; ++y) {
     const double load = 0.45 + 0.55 * Uniform();
     const double runsOut = 0.35 + 0.6 * Uniform();  // where this bristle's paint ends
-    const std::vector<double> grain = NoiseLine(w, 4.0, 0.0, 1.0);
+    const std::vector<double> grain = NoiseLine(w, 11.0, 0.0, 1.0);
     for (int32_t x = 0; x < w; ++x) {
       const double u = static_cast<double>(x) / (w - 1);
       const double paint = 1.0 - Smoothstep(runsOut - 0.15, runsOut + 0.1, u);
-      const double broken = Smoothstep(0.25, 0.55, grain[static_cast<size_t>(x)] + 0.35 * paint);
+      const double broken = Smoothstep(0.35, 0.5, grain[static_cast<size_t>(x)] + 0.4 * paint);
       b.at(x, y) = FlatOutline(x, y, w, h) * load * broken * (0.35 + 0.65 * paint);
     }
   }

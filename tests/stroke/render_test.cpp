@@ -86,15 +86,6 @@ TEST(SpanPaint, AnOpaqueStrokeNeverQuiteCovers) {
   uint8_t dark[3] = {0, 0, 0};
   PaintSpanNormal(span, dark, 1);
   EXPECT_EQ(dark[0], 253) << "never the stroke's own 255";
-
-  // Outside the brush (negative or past the limit) nothing is painted.
-  span.u = -1;
-  uint8_t untouched[3] = {7, 7, 7};
-  PaintSpanNormal(span, untouched, 1);
-  EXPECT_EQ(untouched[0], 7);
-  span.u = 0x10000;
-  PaintSpanNormal(span, untouched, 1);
-  EXPECT_EQ(untouched[0], 7);
 }
 
 TEST(SpanPaint, PaintRuleDarkensTowardTheEdgeAndKeepsTheStrongest) {
@@ -126,23 +117,6 @@ TEST(SpanPaint, PaintRuleDarkensTowardTheEdgeAndKeepsTheStrongest) {
   span.raster = ramp + 1;  // 192, 128, 64, 0
   PaintSpanPaint(span, again.data(), coverage.data(), 4);
   EXPECT_EQ(again, paint);
-}
-
-TEST(StrokeRendering, StrokeIsPaintedWhereItsBoxLies) {
-  TestBrush brush(8, 6, Solid);
-  const InstalledBrush& b = brush.installed;
-  std::vector<uint8_t> canvas = Canvas(20, 20, 0);
-  PaintStrokes({Boxed(Stroke(10, 10), b, 20, 20)}, b, 20, 20, false, 1, &canvas);
-  // The brush's full part (columns 1..6, rows 1..4) centred on the anchor.
-  EXPECT_EQ(ChangedRows(canvas, 20, 0), (std::vector<int32_t>{8, 9, 10, 11}));
-  for (int32_t x = 0; x < 20; ++x) {
-    const bool inside = x >= 7 && x <= 12;
-    EXPECT_EQ(canvas[(9 * 20 + x) * 3] != 0, inside) << x;
-  }
-  // Size 0: a point that reads the brush's empty corner leaves nothing.
-  canvas = Canvas(20, 20, 0);
-  PaintStrokes({Boxed(Stroke(10, 10, 0), b, 20, 20)}, b, 20, 20, false, 1, &canvas);
-  EXPECT_TRUE(ChangedRows(canvas, 20, 0).empty());
 }
 
 // A stroke whose box begins at row -1 is activated at row 0 with its own
@@ -184,6 +158,8 @@ TEST(StrokeRendering, StrokesOutsideThePictureLeaveNoMark) {
   unevaluated.x = 10;
   unevaluated.y = 20;
   strokes.push_back(unevaluated);
+  // Size 0: a point that reads the brush's empty corner.
+  strokes.push_back(Boxed(Stroke(10, 10, 0), b, 20, 20));
   std::vector<uint8_t> canvas = Canvas(20, 20, 50);
   PaintStrokes(strokes, b, 20, 20, false, 0, &canvas);
   EXPECT_TRUE(ChangedRows(canvas, 20, 50).empty());
@@ -224,20 +200,6 @@ TEST(StrokeRendering, BrushWidthsNotAMultipleOfFourShear) {
   const std::vector<int32_t> sheared = columnsOfLine(101);
   ASSERT_EQ(sheared.size(), 11u);
   for (size_t i = 1; i < sheared.size(); ++i) EXPECT_EQ(sheared[i] - sheared[i - 1], 3) << i;
-}
-
-TEST(StrokeRendering, OrderedLayeringPutsTheLaterStrokeUnder) {
-  TestBrush brush(8, 8, Solid);
-  const InstalledBrush& b = brush.installed;
-  StrokeEntry first = Stroke(9, 10), second = Stroke(11, 10);
-  first.colour[0] = 10;
-  second.colour[0] = 250;
-  // Both start on the same row; the table's order (by left) activates the
-  // first first, and the second goes to the head, under it.
-  std::vector<uint8_t> canvas = Canvas(20, 20, 0);
-  PaintStrokes({Boxed(first, b, 20, 20), Boxed(second, b, 20, 20)}, b, 20, 20, false, 1, &canvas);
-  EXPECT_NEAR(canvas[(10 * 20 + 10) * 3], 10, 2);
-  EXPECT_NEAR(canvas[(10 * 20 + 13) * 3], 250, 2);
 }
 
 }  // namespace
