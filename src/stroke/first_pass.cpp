@@ -1,6 +1,7 @@
 #include "stroke/first_pass.h"
 
 #include <cstdint>
+#include <cstring>
 
 #include "frame/block.h"
 #include "frame/result_codes.h"
@@ -37,7 +38,13 @@ int16_t FirstPassSetUp(StrokeEngineState* s, StrokeRecord* style) {
   SortByAnchor(s->table, s->count);
 
   s->colourModes = ColourModeFlags(s->working);
-  BrushMaskLoad(style->brushPath[0] ? style->brushPath : nullptr, &s->mask);
+  // The record comes from the host: its path is taken only up to the end of
+  // the field, terminated or not.
+  char brushPath[sizeof style->brushPath + 1];
+  const size_t length = strnlen(style->brushPath, sizeof style->brushPath);
+  std::memcpy(brushPath, style->brushPath, length);
+  brushPath[length] = '\0';
+  BrushMaskLoad(brushPath, &s->mask);
   s->brush = InstallBrush(s->mask);
   s->limitX = s->width - 1;
   s->limitY = s->height - 1;

@@ -264,6 +264,15 @@ TEST_F(StrokeRunTest, ExtremeStyleValuesPaintWithoutFault) {
     TestHost host(kFilterBrushka, 37, 23, kModeRGB);
     EXPECT_EQ(host.Run(), 0) << i;
   }
+  {
+    // A brush path that fills its field with no terminator.
+    UseStyle(StyleKeys{});
+    TestHost host(kFilterBrushka, 20, 10, kModeRGB);
+    ASSERT_EQ(host.Call(kSelectorParameters), 0);
+    auto* style = reinterpret_cast<StrokeRecord*>(host.effect());
+    std::memset(style->brushPath, 'x', sizeof style->brushPath);
+    EXPECT_EQ(host.Repeat(), 0);
+  }
   StyleKeys huge;
   huge.brushParms = "345,2000000000,5,0,0";
   UseStyle(huge);
