@@ -19,10 +19,6 @@ using testing::RunResult;
 using testing::TestPicture;
 using testing::WritePicture;
 
-// Effects that hand every row back unchanged until their engines land.
-// Take an effect out of this list when its engine arrives.
-const char* const kEffectsWithoutEngine[] = {"brushka"};
-
 class Fancyhost : public ::testing::Test {
  protected:
   RunResult Run(const std::vector<std::string>& args,
@@ -116,39 +112,6 @@ TEST_F(Fancyhost, ReliefWithoutMaskIsRefusedByTheEffect) {
     EXPECT_TRUE(Contains(r.err, "This filter requires a mask.")) << r.err;
     EXPECT_TRUE(Contains(r.err, "9987")) << "the module's code is told\n" << r.err;
     EXPECT_FALSE(Exists(out));
-  }
-}
-
-// Grey and RGB files and the CMYK host mode (from an RGB file: the CMYK
-// round trip of fancyhost is exact) come back byte for byte.
-TEST_F(Fancyhost, EffectWithoutEngineGivesThePictureBackUnchanged) {
-  struct Case {
-    std::string input;
-    std::vector<std::string> extra;
-  };
-  const Case cases[] = {
-      {Picture("grey.png", PixelMode::kGrey), {}},
-      {Picture("grey.bmp", PixelMode::kGrey, 33, 17), {}},
-      {Picture("rgb.bmp", PixelMode::kRGB, 31, 20), {}},
-      {Picture("rgb.png", PixelMode::kRGB), {}},
-      {Picture("cmyk.png", PixelMode::kRGB), {"--mode", "cmyk"}},
-      {Picture("rgb-as-grey.png", PixelMode::kGrey), {"--mode", "rgb"}},
-  };
-  for (const char* effect : kEffectsWithoutEngine) {
-    for (const Case& c : cases) {
-      std::string out = dir.File(std::string("out-") + effect + ".png");
-      std::vector<std::string> args = {"apply", effect, c.input, out, "--quiet"};
-      args.insert(args.end(), c.extra.begin(), c.extra.end());
-      RunResult r = Run(args);
-      ASSERT_EQ(r.exitCode, 0) << effect << " " << c.input << "\n" << r.err;
-      FilePicture before = ReadPicture(c.input), after = ReadPicture(out);
-      // A grey picture run in RGB mode comes back as RGB with equal channels.
-      if (c.extra.empty() || c.extra[1] == "cmyk") {
-        EXPECT_EQ(after.mode, before.mode) << effect << " " << c.input;
-      }
-      after = ToFilePicture(ToHostImage(after, before.mode), before.mode);
-      EXPECT_EQ(after.pixels, before.pixels) << effect << " " << c.input;
-    }
   }
 }
 
