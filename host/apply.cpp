@@ -18,11 +18,8 @@
 #include "config/config.h"
 #include "platform/file.h"
 #include "setup.h"
-<<<<<<< HEAD
 #include "tile_options.h"
-=======
 #include "stroke/style_file.h"
->>>>>>> main
 
 namespace fancy {
 
@@ -173,15 +170,13 @@ int RunApply(const ApplyOptions& o) {
                EffectName(o.filterId));
   }
 
-<<<<<<< HEAD
-  if (o.tile.Any() && !ApplyTileOptions(o.tile, &gParameters, &error))
-    return Say(kExitUsage, "%s", error.c_str());
-=======
   if (!o.style.empty()) {
     int code = ChooseStyle(o);
     if (code != kExitSuccess) return code;
   }
->>>>>>> main
+
+  if (o.tile.Any() && !ApplyTileOptions(o.tile, &gParameters, &error))
+    return Say(kExitUsage, "%s", error.c_str());
 
   EffectModule module;
   if (EffectNeedsModule(o.filterId)) {

@@ -120,13 +120,10 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
   if (o.filterId == 0)
     return Fail(error, "unknown effect \"" + positional[0] +
                            "\": use brushka, tessaris, glass, knurl or 200..203");
-<<<<<<< HEAD
   if (o.tile.Any() && o.filterId != kFilterTessaris)
     return Fail(error, "--group, --tile-mode, --opacity, --feather and --source are for tessaris");
-=======
   if (!o.style.empty() && o.filterId != kFilterBrushka)
     return Fail(error, "--style chooses a style of brushka only");
->>>>>>> main
   if (want == 3) {
     o.input = positional[1];
     o.output = positional[2];
@@ -225,7 +222,15 @@ const char* UsageText() {
       "  --params FILE        load the effect's parameters before the run if FILE exists,\n"
       "                       save them after a successful run\n"
       "  --no-dialog          repeat with the parameters of --params, without the dialog\n"
-<<<<<<< HEAD
+      "  --style NAME         brushka: choose the saved style NAME before the run, as the\n"
+      "                       style list of the dialog does (it becomes the current style\n"
+      "                       and is loaded into the parameters)\n"
+      "  --trace              one line per event on standard output:\n"
+      "                         call SELECTOR result CODE\n"
+      "                         progress DONE TOTAL\n"
+      "                         request in T L B R LO HI out T L B R LO HI\n"
+      "                         hostproc SELECTOR\n"
+      "  --quiet              no progress bar and no messages but errors\n"
       "\n"
       "tessaris options, set as its dialog's controls would set them (on top of --params):\n"
       "  --group NAME         the symmetry: p1 cm pm p2 pg pgg pmm p4 p4g p4m cmm pmg p3 p3m1\n"
@@ -235,17 +240,6 @@ const char* UsageText() {
       "  --opacity N          1..100 percent of tile (default 100)\n"
       "  --feather N          0..100 percent of the cell's largest feather (default 0)\n"
       "  --source FILE        cut the cell from an uncompressed BMP instead of the picture\n"
-=======
-      "  --style NAME         brushka: choose the saved style NAME before the run, as the\n"
-      "                       style list of the dialog does (it becomes the current style\n"
-      "                       and is loaded into the parameters)\n"
->>>>>>> main
-      "  --trace              one line per event on standard output:\n"
-      "                         call SELECTOR result CODE\n"
-      "                         progress DONE TOTAL\n"
-      "                         request in T L B R LO HI out T L B R LO HI\n"
-      "                         hostproc SELECTOR\n"
-      "  --quiet              no progress bar and no messages but errors\n"
       "\n"
       "Exit codes: 0 success, 1 the effect failed, 2 usage, 3 unreadable input or\n"
       "unwritable output, 130 cancelled (Ctrl-C). The output is written only when the\n"
