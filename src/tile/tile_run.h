@@ -98,10 +98,11 @@ void TileStoreState(const TileBuffer& tile, TileRecord* params);
 bool TileRecordIsUsable(const TileRecord& params);
 
 // Merges the current tile into the dialog's result picture: result and
-// source are pictures of the same size and host type (source at preview
-// scale, result written), scale is preview pixels per source pixel (0 < s
-// <= 1). Nothing happens at opacity 0. Returns 0, or -9987 when the
-// pictures or the tile do not fit together.
+// source are one-cell pictures of the same size and host type, rows top
+// first (source at preview scale, result written), scale is preview pixels
+// per source pixel (0 < s <= 1). For CMYK the source and the tile are
+// inverted for the merge and put back. Nothing happens at opacity 0.
+// Returns 0, or -9987 when the pictures or the tile do not fit together.
 int16_t TilePreviewRender(Image* result, Image* source, double scale);
 
 // Writes the current tile as a BMP file of its size and type, the right way
