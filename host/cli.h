@@ -22,6 +22,7 @@ struct ApplyOptions {
   uint8_t foreground[3] = {0, 0, 0};        // red, green, blue
   uint8_t background[3] = {255, 255, 255};
   std::string paramsPath;
+  std::string preset;      // Glass and The Knurl: the style to choose in the dialog's list
   bool noDialog = false;
   bool trace = false;
   bool quiet = false;
