@@ -66,8 +66,7 @@ int32_t GlassBand(const HeightMap* field, const ReliefBand& band, const GlassWin
       const Fixed dy = down[x] - up[x];
       if (h == 0 && dx == 0 && dy == 0) {
         // Outside the glass: no bend, no tint, no shine.
-        std::memcpy(dst, window.pixels + static_cast<intptr_t>(wy) * window.rowBytes + x * planes,
-                    static_cast<size_t>(planes));
+        std::memcpy(dst, window.row[wy] + x * planes, static_cast<size_t>(planes));
         continue;
       }
       const Fixed gx = FixedMul(s, dx);
@@ -112,11 +111,10 @@ int32_t GlassBand(const HeightMap* field, const ReliefBand& band, const GlassWin
       const int32_t iy = std::min(py >> 16, window.rows - 1);
       const int32_t fx = (px & 0xFFFF) >> 10;  // six bits of fraction
       const int32_t fy = (py & 0xFFFF) >> 10;
-      const uint8_t* p00 =
-          window.pixels + static_cast<intptr_t>(iy) * window.rowBytes + ix * planes;
+      const uint8_t* p00 = window.row[iy] + ix * planes;
       // At the right and bottom edge the neighbour is the pixel itself.
-      const int32_t stepX = ix + 1 < columns ? planes : 0;
-      const int32_t stepY = iy + 1 < window.rows ? window.rowBytes : 0;
+      const intptr_t stepX = ix + 1 < columns ? planes : 0;
+      const intptr_t stepY = (iy + 1 < window.rows ? window.row[iy + 1] : window.row[iy]) - window.row[iy];
 
       int32_t transmission = 255;
       if (ox != 0 || oy != 0 || z != 0) {

@@ -18,13 +18,13 @@ struct GlassLook {
   uint8_t tint[4];  // in the pixels' own byte order
 };
 
-// The rows that a band's rays may sample: window rows of the field, from
-// windowTop on, in the host's buffer (planes interleaved, as band.planes).
+// The rows that a band's rays may sample: window rows of the field from
+// fieldTop on, each row's pixels (planes interleaved, as the band's) behind
+// its own pointer.
 struct GlassWindow {
   int32_t fieldTop;
   int32_t rows;
-  const uint8_t* pixels;
-  int32_t rowBytes;
+  const uint8_t* const* row;
 };
 
 // How far (in whole rows) a ray can be bent for this look over a field whose

@@ -8,6 +8,7 @@
 #include "relief/emboss.h"
 #include "relief/glass.h"
 #include "relief/height_field.h"
+#include "relief/relief_memory.h"
 
 namespace fancy {
 
@@ -22,6 +23,8 @@ ReliefState gRelief{};
 void ReleaseRelief() {
   FreeByteMap(gRelief.mask);
   FreeHeightMap(gRelief.field);
+  FreeRelief(gRelief.ring);
+  FreeRelief(gRelief.windowRows);
   gRelief = ReliefState{};
 }
 
@@ -89,6 +92,25 @@ Fixed HighestSample(const HeightMap* field) {
   return top;
 }
 
+Rect16 FilterRows(const Rect16& filter, int32_t top, int32_t bottom) {
+  return Rect16{static_cast<int16_t>(filter.top + top), filter.left,
+                static_cast<int16_t>(filter.top + bottom), filter.right};
+}
+
+// Room for Glass's window: the ring of source rows (not in preview, where
+// the whole source is at hand) and the window's row pointers.
+int16_t AllocGlassRows(const ReliefJob& job, int32_t rows, int32_t rowBytes) {
+  gRelief.windowRows = static_cast<const uint8_t**>(
+      AllocRelief(rows * static_cast<int32_t>(sizeof(const uint8_t*))));
+  if (!gRelief.windowRows) return kErrOutOfMemory;
+  if (job.isPreview) return kNoError;
+  const int64_t bytes = int64_t{rows} * rowBytes;
+  if (bytes > INT32_MAX) return kErrOutOfMemory;
+  gRelief.ring = static_cast<uint8_t*>(AllocRelief(static_cast<int32_t>(bytes)));
+  gRelief.ringRows = rows;
+  return gRelief.ring ? kNoError : kErrOutOfMemory;
+}
+
 // Lights or bends the filter rectangle band by band.
 int16_t RunBands(FilterRecord* record, const ReliefJob& job, const ReliefNumbers& numbers) {
   const HeightMap* field = gRelief.field;
@@ -96,36 +118,35 @@ int16_t RunBands(FilterRecord* record, const ReliefJob& job, const ReliefNumbers
   const int32_t width = field->width;
   const int32_t height = field->height;
   const int32_t planes = record->planes;
+  const int32_t pixelBytes = width * planes;
   const bool glass = job.filterId == kFilterGlass;
+  const int32_t bandRows = job.isPreview ? height : ReliefBandRows(planes, width);
 
   GlassLook look{};
   look.numbers = numbers;
   int32_t reach = 0;
   if (glass) {
     GlassTint(*record, job.params.colour, look.tint);
-    // A band's rays reach into the rows round it; the host hands those too,
-    // so that a band comes out as if the whole picture were at hand.
+    // A band's rays reach into the rows round it, so that a band comes out
+    // as if the whole picture were at hand.
     reach = std::min(GlassReach(numbers, HighestSample(field)), height);
+    int16_t made = AllocGlassRows(job, std::min(height, bandRows + 2 * reach), pixelBytes);
+    if (made != kNoError) return made;
   }
-  const int32_t bandRows = job.isPreview ? height : ReliefBandRows(planes, width);
 
+  int32_t fetched = 0;  // Glass: source rows [0, fetched) have come into the ring
   for (int32_t top = 0; top < height; top += bandRows) {
     const int32_t bottom = std::min(top + bandRows, height);
     const int32_t windowTop = std::max(0, top - reach);
     const int32_t windowBottom = std::min(height, bottom + reach);
-    const uint8_t* in;
-    uint8_t* out;
-    int32_t inRowBytes, outRowBytes;
-    if (job.isPreview) {
-      in = static_cast<const uint8_t*>(record->inData);
-      out = static_cast<uint8_t*>(record->outData);
-      inRowBytes = record->inRowBytes;
-      outRowBytes = record->outRowBytes;
-    } else {
-      record->inRect = Rect16{static_cast<int16_t>(filter.top + windowTop), filter.left,
-                              static_cast<int16_t>(filter.top + windowBottom), filter.right};
-      record->outRect = Rect16{static_cast<int16_t>(filter.top + top), filter.left,
-                               static_cast<int16_t>(filter.top + bottom), filter.right};
+    const uint8_t* in = static_cast<const uint8_t*>(record->inData);
+    uint8_t* out = static_cast<uint8_t*>(record->outData);
+    if (!job.isPreview) {
+      // Glass asks only for the rows that it has not seen yet.
+      const int32_t inTop = glass ? std::max(fetched, windowTop) : top;
+      const int32_t inBottom = glass ? windowBottom : bottom;
+      record->inRect = inTop < inBottom ? FilterRows(filter, inTop, inBottom) : Rect16{};
+      record->outRect = FilterRows(filter, top, bottom);
       record->inLoPlane = record->outLoPlane = 0;
       record->inHiPlane = record->outHiPlane = static_cast<int16_t>(planes - 1);
       record->maskRect = Rect16{};
@@ -133,29 +154,40 @@ int16_t RunBands(FilterRecord* record, const ReliefJob& job, const ReliefNumbers
       if (advanced != kNoError) return advanced;
       in = static_cast<const uint8_t*>(record->inData);
       out = static_cast<uint8_t*>(record->outData);
-      inRowBytes = record->inRowBytes;
-      outRowBytes = record->outRowBytes;
-      // The preview's buffers hold the whole surface: the window starts at row 0 there.
+      if (inTop < inBottom && (!in || record->inRowBytes < pixelBytes)) return kErrFilterFailure;
+      if (glass) {
+        for (int32_t y = inTop; y < inBottom; ++y)
+          std::memcpy(gRelief.ring + static_cast<intptr_t>(y % gRelief.ringRows) * pixelBytes,
+                      in + static_cast<intptr_t>(y - inTop) * record->inRowBytes,
+                      static_cast<size_t>(pixelBytes));
+        fetched = std::max(fetched, inBottom);
+      }
+    } else {
+      // The preview's buffers hold the whole surface.
+      if (!in || record->inRowBytes < pixelBytes) return kErrFilterFailure;
+      in += static_cast<intptr_t>(top) * record->inRowBytes;
+      out = out ? out + static_cast<intptr_t>(top) * record->outRowBytes : nullptr;
     }
-    if (!in || !out || inRowBytes < width * planes || outRowBytes < width * planes)
-      return kErrFilterFailure;
-    // Where the window's first row lies in the buffer handed in.
-    const int32_t inFirst = job.isPreview ? 0 : windowTop;
+    if (!out || record->outRowBytes < pixelBytes) return kErrFilterFailure;
+
     ReliefBand band{};
     band.fieldTop = top;
     band.rows = bottom - top;
     band.columns = width;
     band.planes = planes;
     band.imageMode = record->imageMode;
-    band.source = in + static_cast<intptr_t>(top - inFirst) * inRowBytes;
-    band.sourceRowBytes = inRowBytes;
-    band.target = out + (job.isPreview ? static_cast<intptr_t>(top) * outRowBytes : 0);
-    band.targetRowBytes = outRowBytes;
+    band.source = glass ? nullptr : in;
+    band.sourceRowBytes = record->inRowBytes;
+    band.target = out;
+    band.targetRowBytes = record->outRowBytes;
     int32_t done;
     if (glass) {
-      GlassWindow window{windowTop, windowBottom - windowTop,
-                         in + static_cast<intptr_t>(windowTop - inFirst) * inRowBytes,
-                         inRowBytes};
+      const uint8_t* source = static_cast<const uint8_t*>(record->inData);
+      for (int32_t y = windowTop; y < windowBottom; ++y)
+        gRelief.windowRows[y - windowTop] =
+            job.isPreview ? source + static_cast<intptr_t>(y) * record->inRowBytes
+                          : gRelief.ring + static_cast<intptr_t>(y % gRelief.ringRows) * pixelBytes;
+      const GlassWindow window{windowTop, windowBottom - windowTop, gRelief.windowRows};
       done = GlassBand(field, band, window, look, &gRelief.progress);
     } else {
       done = EmbossBand(field, band, numbers, &gRelief.progress);

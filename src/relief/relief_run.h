@@ -30,6 +30,12 @@ struct ReliefJob {
 struct ReliefState {
   ByteMap* mask;
   HeightMap* field;
+  // Glass: the source rows that the current band's rays may reach, kept as
+  // the host first handed them (rows handed back since are already bent),
+  // in a ring of ringRows rows; and a pointer to each row of the window.
+  uint8_t* ring;
+  int32_t ringRows;
+  const uint8_t** windowRows;
   ReliefProgress progress;
 };
 
