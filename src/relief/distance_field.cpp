@@ -98,7 +98,8 @@ int16_t DistanceToHeight(const ByteMap* mask, HeightMap* field, const Fixed* hei
     NearestCloseColumn(d, mw, reach - e, nearest);
     for (int32_t x = 0; x < fw; ++x) {
       const int32_t cx = x + offsetX;
-      if (cx >= 0 && cx < mw && nearest[cx] >= reach) {
+      const bool inside = cx >= 0 && cx < mw;
+      if (inside && nearest[cx] >= reach) {
         out[x] = far;
         continue;
       }
@@ -107,7 +108,9 @@ int16_t DistanceToHeight(const ByteMap* mask, HeightMap* field, const Fixed* hei
       int64_t bestV = v0;
       int64_t b = v0 * v0;
       int64_t bound = std::min<int64_t>(v0, reach);
-      for (int32_t dx = 1; dx < bound; ++dx) {
+      // Columns nearer than the nearest close one can only give distances
+      // of reach or more: the search starts there.
+      for (int32_t dx = inside ? std::max(nearest[cx], 1) : 1; dx < bound; ++dx) {
         const int32_t left = std::clamp(cx - dx, 0, mw - 1);
         const int32_t right = std::clamp(cx + dx, 0, mw - 1);
         const int64_t v = int64_t{std::min(d[left], d[right])} + e;

@@ -22,6 +22,40 @@ inline int32_t BorderRatio(int32_t pos, int32_t o, int32_t limit) {
   return static_cast<int32_t>(std::clamp<int64_t>((room << 16) / o, 0, INT32_MAX));
 }
 
+// The shine at a point of height h whose surface slopes by gx, gy: a
+// specular highlight, faded out where the surface is flat on top or outside.
+inline int32_t Highlight(const ReliefNumbers& n, Fixed l0, Fixed l1, Fixed h, Fixed gx, Fixed gy) {
+  const Fixed d = n.light[2] - FixedMul(l0, gx) - FixedMul(l1, gy);
+  if (d < 0) return 0;
+  const Fixed gg = FixedMul(gx, gx) + FixedMul(gy, gy);
+  const Fixed reflected = FixedDiv(2 * d, gg + kFixedOne) - n.light[2];
+  if (reflected <= 0) return 0;
+  Fixed p = reflected > kFixedOne ? kFixedOne : FixedPowInt(reflected, n.exponent);
+  Fixed edge = h;
+  if (kFixedOne - edge < kShineEdge) edge = kFixedOne - edge;
+  if (edge < kShineEdge) p = static_cast<Fixed>(int64_t{p} * edge / kShineEdge);
+  return std::clamp(FixedMul(n.bright, p), 0, kTopChannel) >> 8;
+}
+
+// How much of the light gets through a ray that crosses (ox, oy, z) of
+// glass, 0..255.
+inline int32_t Transmission(const ReliefNumbers& n, Fixed ox, Fixed oy, Fixed z) {
+  if (ox == 0 && oy == 0 && z == 0) return 255;
+  const Fixed length = FixedSqrt(FixedMul(ox, ox) + FixedMul(oy, oy) + FixedMul(z, z));
+  const Fixed through = FixedExp(FixedDiv(FixedMul(n.absorb, length), n.slope));
+  return std::clamp(through, 0, kTopChannel) >> 8;
+}
+
+// The sample tinted by the glass, with the shine on top.
+inline uint8_t Tinted(int32_t sample, uint8_t tint, int32_t transmission, int32_t highlight) {
+  int32_t value = sample + highlight;
+  if (transmission < 255) {
+    const int32_t filter = ((tint * (255 - transmission)) >> 8) + transmission;
+    value = ((filter * sample) >> 8) + highlight;
+  }
+  return static_cast<uint8_t>(std::min(value, 255));
+}
+
 }  // namespace
 
 int32_t GlassReach(const ReliefNumbers& numbers, Fixed top) {
@@ -46,7 +80,9 @@ int32_t GlassBand(const HeightMap* field, const ReliefBand& band, const GlassWin
   // Rows run down the picture and the light's y up it.
   const Fixed l0 = n.light[0];
   const Fixed l1 = WrapNeg(n.light[1]);
-  const Fixed l2 = n.light[2];
+  // The last level height met, with its shine and transmission.
+  Fixed flatHeight = 0;
+  int32_t flatShine = 0, flatThrough = 255;
   const int32_t columns = std::min(band.columns, width);
   const int32_t right = columns << 16;
   const int32_t bottom = window.rows << 16;
@@ -64,27 +100,27 @@ int32_t GlassBand(const HeightMap* field, const ReliefBand& band, const GlassWin
                        : x == columns - 1 ? here[x] - here[x - 1]
                                           : here[x + 1] - here[x - 1];
       const Fixed dy = down[x] - up[x];
-      if (h == 0 && dx == 0 && dy == 0) {
-        // Outside the glass: no bend, no tint, no shine.
-        std::memcpy(dst, window.row[wy] + x * planes, static_cast<size_t>(planes));
+      const uint8_t* here0 = window.row[wy] + x * planes;
+      if (dx == 0 && dy == 0) {
+        if (h == 0) {
+          // Outside the glass: no bend, no tint, no shine.
+          std::memcpy(dst, here0, static_cast<size_t>(planes));
+          continue;
+        }
+        // A level spot bends nothing, and its shine and tint depend on its
+        // height alone: a flat top is worked out once.
+        if (h != flatHeight) {
+          flatHeight = h;
+          flatShine = Highlight(n, l0, l1, h, 0, 0);
+          flatThrough = Transmission(n, 0, 0, kRayScale * h);
+        }
+        for (int32_t c = 0; c < planes; ++c)
+          dst[c] = Tinted(here0[c], look.tint[c], flatThrough, flatShine);
         continue;
       }
       const Fixed gx = FixedMul(s, dx);
       const Fixed gy = FixedMul(s, dy);
-      const Fixed gg = FixedMul(gx, gx) + FixedMul(gy, gy);
-
-      int32_t highlight = 0;
-      const Fixed d = l2 - FixedMul(l0, gx) - FixedMul(l1, gy);
-      if (d >= 0) {
-        const Fixed reflected = FixedDiv(2 * d, gg + kFixedOne) - l2;
-        if (reflected > 0) {
-          Fixed p = reflected > kFixedOne ? kFixedOne : FixedPowInt(reflected, n.exponent);
-          Fixed edge = h;
-          if (kFixedOne - edge < kShineEdge) edge = kFixedOne - edge;
-          if (edge < kShineEdge) p = static_cast<Fixed>(int64_t{p} * edge / kShineEdge);
-          highlight = std::clamp(FixedMul(n.bright, p), 0, kTopChannel) >> 8;
-        }
-      }
+      const int32_t highlight = Highlight(n, l0, l1, h, gx, gy);
 
       // The ray through the surface.
       const Fixed gx10 = kRayScale * gx;
@@ -112,16 +148,12 @@ int32_t GlassBand(const HeightMap* field, const ReliefBand& band, const GlassWin
       const int32_t fx = (px & 0xFFFF) >> 10;  // six bits of fraction
       const int32_t fy = (py & 0xFFFF) >> 10;
       const uint8_t* p00 = window.row[iy] + ix * planes;
-      // At the right and bottom edge the neighbour is the pixel itself.
+      // At the right and bottom edge the neighbour is the pixel itself; the
+      // window's rows all lie in one buffer.
       const intptr_t stepX = ix + 1 < columns ? planes : 0;
-      const intptr_t stepY = (iy + 1 < window.rows ? window.row[iy + 1] : window.row[iy]) - window.row[iy];
-
-      int32_t transmission = 255;
-      if (ox != 0 || oy != 0 || z != 0) {
-        const Fixed length = FixedSqrt(FixedMul(ox, ox) + FixedMul(oy, oy) + FixedMul(z, z));
-        const Fixed through = FixedExp(FixedDiv(FixedMul(n.absorb, length), s));
-        transmission = std::clamp(through, 0, kTopChannel) >> 8;
-      }
+      const intptr_t stepY =
+          (iy + 1 < window.rows ? window.row[iy + 1] : window.row[iy]) - window.row[iy];
+      const int32_t transmission = Transmission(n, ox, oy, z);
 
       for (int32_t c = 0; c < planes; ++c) {
         const uint8_t* p = p00 + c;
@@ -136,14 +168,7 @@ int32_t GlassBand(const HeightMap* field, const ReliefBand& band, const GlassWin
           sample = ((64 - fx) * (64 - fy) * p[0] + fx * (64 - fy) * p[stepX] +
                     (64 - fx) * fy * p[stepY] + fx * fy * p[stepX + stepY]) >> 12;
         }
-        int32_t value;
-        if (transmission < 255) {
-          const int32_t filter = ((look.tint[c] * (255 - transmission)) >> 8) + transmission;
-          value = ((filter * sample) >> 8) + highlight;
-        } else {
-          value = sample + highlight;
-        }
-        dst[c] = static_cast<uint8_t>(std::min(value, 255));
+        dst[c] = Tinted(sample, look.tint[c], transmission, highlight);
       }
     }
     if (ReliefTick(progress)) return kErrUserCancelled;

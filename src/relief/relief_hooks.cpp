@@ -1,6 +1,5 @@
 // Glass's and The Knurl's handlers for the frame.
 #include "frame/effect_hooks.h"
-#include "frame/host_bridge.h"
 #include "frame/result_codes.h"
 #include "relief/relief_params.h"
 #include "relief/relief_run.h"
@@ -25,9 +24,7 @@ int16_t ReliefRun(FilterRecord* record, RunSlot*, EffectHead* effect) {
   ReliefJob job{};
   job.filterId = effect->filterId;
   job.params = reinterpret_cast<ReliefRecord*>(effect)->params;
-  int16_t result = ReliefRun(record, job);
-  ClearRowRequest(record);
-  return result;
+  return ReliefRun(record, job);
 }
 
 }  // namespace fancy
