@@ -1,5 +1,6 @@
 // Rows between host and effect: the request shapes, the host extension
-// door, and effects without an engine handing the image back unchanged.
+// door, the host's Images as the effect reads them, and effects without an
+// engine handing the image back unchanged.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -8,6 +9,7 @@
 #include "frame/host_bridge.h"
 #include "frame/module_state.h"
 #include "frame/result_codes.h"
+#include "imaging/image.h"
 #include "support/config_folder.h"
 #include "support/message_boxes.h"
 #include "support/test_host.h"
@@ -127,6 +129,58 @@ TEST_F(RowsTest, HostExtensionIsHeadedAndAskedOnlyWhereOffered) {
   SendHostCommand(&record, 4712);
   EXPECT_EQ(host.hostProcCalls(), 2);
   EXPECT_EQ(host.commands().size(), 1u);
+}
+
+// Every pixel of an Image through the image model, rows packed.
+std::vector<uint8_t> ReadAll(const Image* image, int32_t bytesPerPixel) {
+  const int32_t width = ImageGetWidth(image), height = ImageGetHeight(image);
+  std::vector<uint8_t> out(static_cast<size_t>(width) * height * bytesPerPixel, 0xEE);
+  EXPECT_EQ(ImageReadPixels(image, 0, 0, width, height, width * bytesPerPixel, out.data()), 1);
+  return out;
+}
+
+TEST_F(RowsTest, EffectReadsTheHostsPictureAndSelectionThroughItsImages) {
+  const struct {
+    int16_t mode;
+    int32_t type;
+  } cases[] = {{kModeGray, kImageGrey8}, {kModeRGB, kImageBGR24}, {kModeCMYK, kImageCMYK32}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::Message() << "mode " << c.mode);
+    TestHost host(kFilterTessaris, 7, 5, c.mode);  // odd width: rows are packed, not padded
+    host.FillPattern(static_cast<uint32_t>(c.mode));
+    host.SetMask();
+    for (int32_t x = 0; x < 7; ++x) host.mask().at(x, 2, 0) = static_cast<uint8_t>(x * 40);
+    const int32_t planes = host.image().planes;
+
+    ASSERT_EQ(host.Call(kSelectorParameters), 0);
+    const RunSlot* slot = host.runSlot();
+    ASSERT_NE(slot->sourceImage, nullptr);
+    ASSERT_NE(slot->maskImage, nullptr);
+    EXPECT_EQ(ImageGetType(slot->sourceImage), c.type);
+    EXPECT_EQ(ImageGetStorageKind(slot->sourceImage), kStorageBuffer);
+    EXPECT_EQ(ReadAll(slot->sourceImage, planes), host.image().pixels);
+    EXPECT_EQ(ImageGetType(slot->maskImage), kImageMask);
+    EXPECT_EQ(ReadAll(slot->maskImage, 1), host.mask().pixels);
+    // The bounds are inclusive: read from left to right and top to bottom
+    // they give the whole selection.
+    const HostExtension ext = ReadHostExtensionForDialog(&host.record());
+    EXPECT_EQ(ext.maskImage, slot->maskImage);
+    const int32_t w = ext.maskRight - ext.maskLeft + 1, h = ext.maskBottom - ext.maskTop + 1;
+    ASSERT_EQ(w * h, 7 * 5);
+    std::vector<uint8_t> inBounds(static_cast<size_t>(w * h));
+    EXPECT_EQ(
+        ImageReadPixels(ext.maskImage, ext.maskLeft, ext.maskTop, w, h, w, inBounds.data()), 1);
+    EXPECT_EQ(inBounds, host.mask().pixels);
+    ASSERT_EQ(host.Call(kSelectorFinish), 0);
+
+    // A new buffer under the host's image: the next run reads it.
+    std::vector<uint8_t> fresh(host.image().pixels.size());
+    for (size_t i = 0; i < fresh.size(); ++i) fresh[i] = static_cast<uint8_t>(i * 7);
+    host.image().pixels.swap(fresh);
+    ASSERT_EQ(host.Call(kSelectorParameters), 0);
+    EXPECT_EQ(ReadAll(host.runSlot()->sourceImage, planes), host.image().pixels);
+    ASSERT_EQ(host.Call(kSelectorFinish), 0);
+  }
 }
 
 TEST_F(RowsTest, HelpFileCopyStopsAtTheRecordsEnd) {
