@@ -1,11 +1,9 @@
 #include "relief/relief_preview.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "frame/result_codes.h"
 #include "imaging/image.h"
-#include "relief/relief_memory.h"
 #include "relief/relief_run.h"
 
 namespace fancy {
@@ -55,15 +53,6 @@ int32_t PlanesOfType(int32_t type) {
   }
 }
 
-// Images keep CMYK as ink (255 full); the host's rows, which the engine is
-// made for, keep it inverted.
-void InvertRows(uint8_t* pixels, int32_t rowBytes, int32_t bytes, int32_t rows) {
-  for (int32_t y = 0; y < rows; ++y) {
-    uint8_t* row = pixels + static_cast<intptr_t>(y) * rowBytes;
-    for (int32_t i = 0; i < bytes; ++i) row[i] = static_cast<uint8_t>(255 - row[i]);
-  }
-}
-
 }  // namespace
 
 ReliefParams ScaleReliefForPreview(const ReliefParams& params, int32_t previewWidth,
@@ -98,19 +87,6 @@ int16_t ReliefPreview(const ReliefPreviewJob& job) {
 
   const int32_t sourceRowBytes = ImageGetRowBytes(job.source);
   const int32_t targetRowBytes = ImageGetRowBytes(job.target);
-  const int32_t pixelBytes = width * planes;
-  const bool cmyk = type == kImageCMYK32;
-  uint8_t* inverted = nullptr;
-  if (cmyk) {
-    inverted = static_cast<uint8_t*>(AllocRelief(pixelBytes * height));
-    if (!inverted) return kErrOutOfMemory;
-    for (int32_t y = 0; y < height; ++y)
-      std::memcpy(inverted + static_cast<intptr_t>(y) * pixelBytes,
-                  source + static_cast<intptr_t>(y) * sourceRowBytes,
-                  static_cast<size_t>(pixelBytes));
-    InvertRows(inverted, pixelBytes, pixelBytes, height);
-  }
-
   const Rect16 filter = record->filterRect;
   ReliefJob run{};
   run.filterId = job.filterId;
@@ -128,8 +104,8 @@ int16_t ReliefPreview(const ReliefPreviewJob& job) {
   record->planes = static_cast<int16_t>(planes);
   record->filterRect = record->inRect = record->outRect = surface;
   record->maskRect = Rect16{};
-  record->inData = cmyk ? inverted : const_cast<uint8_t*>(source);
-  record->inRowBytes = cmyk ? pixelBytes : sourceRowBytes;
+  record->inData = const_cast<uint8_t*>(source);
+  record->inRowBytes = sourceRowBytes;
   record->outData = target;
   record->outRowBytes = targetRowBytes;
 
@@ -137,8 +113,6 @@ int16_t ReliefPreview(const ReliefPreviewJob& job) {
   int16_t result = ReliefRun(record, run);
   if (job.progress) job.progress(-3, 100);
   Restore(record, saved);
-  if (cmyk && result == kNoError) InvertRows(target, targetRowBytes, pixelBytes, height);
-  FreeRelief(inverted);
   return result;
 }
 

@@ -12,8 +12,9 @@ namespace fancy {
 struct Image;
 
 // What a relief dialog hands its preview. The images are one-cell images of
-// the same size: source and target of the host's mode (type 5 grey, 1 blue
-// green red, 3 CMYK, 11 Lab), mask of type 5 or 99.
+// the same size: source and target of the host's mode and bytes (type 5
+// grey, 1 blue green red, 3 CMYK stored inverted as the host's rows are, 11
+// Lab), mask of type 5 or 99.
 struct ReliefPreviewJob {
   FilterRecord* record;  // the host's record, borrowed for the time of the run
   int32_t filterId;

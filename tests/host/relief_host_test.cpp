@@ -1,6 +1,5 @@
 // Glass and The Knurl run by fancyhost on picture files, through a selection.
 #include <cmath>
-#include <csignal>
 #include <cstdio>
 
 #include <gtest/gtest.h>
@@ -104,23 +103,6 @@ TEST_F(ReliefHost, PresetChoosesAStyleAsTheListWould) {
   EXPECT_EQ(Run({"apply", "glass", in, out, "--mask", mask, "--preset", "Lens", "--no-dialog"})
                 .exitCode,
             2);
-  EXPECT_FALSE(Exists(out));
-}
-
-TEST_F(ReliefHost, CtrlCCancelsAndWritesNothing) {
-  const std::string in = dir.File("big.png"), out = dir.File("out.png");
-  WritePicture(in, TestPicture(2000, 1500, PixelMode::kRGB));
-  const std::string mask = Disc(2000, 1500, 500);
-  bool sent = false;
-  RunResult r = RunFancyhost({"apply", "glass", in, out, "--mask", mask, "--trace"},
-                             dir.File("home"), {}, [&](const std::string& line, int pid) {
-                               if (!sent && line == "call 1 result 0") {
-                                 kill(pid, SIGINT);
-                                 sent = true;
-                               }
-                             });
-  ASSERT_TRUE(sent) << r.out;
-  EXPECT_EQ(r.exitCode, 130) << r.err;
   EXPECT_FALSE(Exists(out));
 }
 

@@ -14,7 +14,6 @@
 #include "frame/presets.h"
 #include "frame/result_codes.h"
 #include "relief/relief_memory.h"
-#include "relief/relief_run.h"
 #include "relief/relief_styles.h"
 #include "support/config_folder.h"
 #include "support/message_boxes.h"
@@ -140,14 +139,6 @@ TEST_F(ReliefRunTest, GlassWithoutRefractionMovesNoPixel) {
   };
   EXPECT_EQ(differences(0), 0);
   EXPECT_GT(differences(70), 0);
-
-  // No refraction, no opacity, no shine: the picture comes back as it was.
-  TestHost host(kFilterGlass, 64, 48, kModeRGB);
-  DrawDisc(host, 30, 20, 15);
-  const HostImage before = host.image();
-  ASSERT_EQ(RunWith(host, [](ReliefParams& q) { q.refraction = q.opacity = q.brightness = 0; }),
-            kNoError);
-  EXPECT_EQ(host.image(), before);
 }
 
 TEST_F(ReliefRunTest, GlassTintFollowsTheColourAndOpacity) {
@@ -172,9 +163,6 @@ TEST_F(ReliefRunTest, GlassTintFollowsTheColourAndOpacity) {
   EXPECT_GT(paint.at(40, 40, 2), paint.at(40, 40, 0) + 40);
   const HostImage paper = glass(kGlassTintPaper, 80);
   EXPECT_GT(paper.at(40, 40, 1), paper.at(40, 40, 2) + 40);
-  const HostImage leaded = glass(kGlassTintLeaded, 80);
-  EXPECT_EQ(leaded.at(40, 40, 0), leaded.at(40, 40, 2));
-  EXPECT_LT(leaded.at(40, 40, 0), 200);
 }
 
 TEST_F(ReliefRunTest, KnurlIsLitFromTheBearingOfItsDirection) {
@@ -204,41 +192,6 @@ TEST_F(ReliefRunTest, KnurlIsLitFromTheBearingOfItsDirection) {
     const double shaded = slopes(host.image(), direction + 180);
     EXPECT_GT(lit, shaded + 20) << "direction " << direction;
     EXPECT_EQ(host.image().at(64, 64, 0), 150) << "the flat top is left alone";
-  }
-}
-
-// The host hands a wide picture a few rows at a time; the result is the
-// one that the whole surface gives in one go, as a preview runs it.
-TEST_F(ReliefRunTest, BandsDoNotShowInTheResult) {
-  for (int32_t id : {kFilterGlass, kFilterKnurl}) {
-    SCOPED_TRACE(id);
-    TestHost host(id, 2400, 40, kModeRGB);
-    host.FillPattern(9);
-    host.SetMask(0);
-    for (int32_t y = 0; y < 40; ++y)
-      for (int32_t x = 0; x < 2400; ++x)
-        host.mask().at(x, y, 0) = std::hypot((x - 1200) / 40.0, y - 18.0) < 11 ? 255 : 0;
-    const HostImage before = host.image();
-    ASSERT_EQ(host.Call(kSelectorParameters), kNoError);
-    Params(host).refraction = 100;
-    const ReliefParams params = Params(host);
-    ASSERT_EQ(host.Repeat(), kNoError);
-    EXPECT_GT(host.advanceCalls(), 5) << "more than one band";
-
-    FilterRecord preview = host.record();
-    std::vector<uint8_t> out(before.pixels.size());
-    preview.inData = const_cast<uint8_t*>(before.pixels.data());
-    preview.outData = out.data();
-    preview.inRowBytes = preview.outRowBytes = 2400 * 3;
-    preview.advanceState = nullptr;
-    ReliefJob job{};
-    job.filterId = id;
-    job.params = params;
-    job.isPreview = true;
-    job.mask = host.mask().pixels.data();
-    job.maskRowBytes = 2400;
-    ASSERT_EQ(ReliefRun(&preview, job), kNoError);
-    EXPECT_TRUE(out == host.image().pixels);
   }
 }
 
@@ -286,6 +239,14 @@ TEST_F(ReliefRunTest, ShortMemoryAndFloatingSelectionsChangeNothing) {
   host.record().isFloating = 1;
   EXPECT_EQ(host.Repeat(), kErrFilterFailure);
   EXPECT_EQ(host.image(), before);
+  host.record().isFloating = 0;
+
+  // A record from elsewhere may hold anything; the run holds it to range.
+  ASSERT_EQ(host.Call(kSelectorParameters), kNoError);
+  ReliefParams& p = Params(host);
+  p.bevelWidth = -7, p.smoothness = 300, p.height = 32000, p.brightness = -1;
+  p.sharpness = 999, p.direction = -720, p.angle = 500, p.dropOff = -3;
+  EXPECT_EQ(host.Repeat(), kNoError);
 }
 
 TEST_F(ReliefRunTest, GlassNeedsTwoByTwoPixels) {
