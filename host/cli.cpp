@@ -66,6 +66,9 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
     } else if (a == "--preset") {
       if (!value(&o.preset)) return false;
       if (o.preset.empty()) return Fail(error, "--preset wants the name of a style");
+    } else if (a == "--style") {
+      if (!value(&o.style)) return false;
+      if (o.style.empty()) return Fail(error, "--style wants the name of a saved style");
     } else if (a == "--rect") {
       if (!value(&v)) return false;
       int32_t r[4];
@@ -101,6 +104,8 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
   if (o.filterId == 0)
     return Fail(error, "unknown effect \"" + positional[0] +
                            "\": use brushka, tessaris, glass, knurl or 200..203");
+  if (!o.style.empty() && o.filterId != kFilterBrushka)
+    return Fail(error, "--style chooses a style of brushka only");
   if (want == 3) {
     o.input = positional[1];
     o.output = positional[2];
@@ -205,6 +210,9 @@ const char* UsageText() {
       "  --preset NAME        glass and knurl: choose the style NAME in the dialog's list\n"
       "                       (as in PLGPARAM.INI: Defaults, Lens, Wet, ...), then OK\n"
       "  --no-dialog          repeat with the parameters of --params, without the dialog\n"
+      "  --style NAME         brushka: choose the saved style NAME before the run, as the\n"
+      "                       style list of the dialog does (it becomes the current style\n"
+      "                       and is loaded into the parameters)\n"
       "  --trace              one line per event on standard output:\n"
       "                         call SELECTOR result CODE\n"
       "                         progress DONE TOTAL\n"

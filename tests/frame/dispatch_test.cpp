@@ -143,6 +143,7 @@ TEST_F(DispatchTest, RepeatWithoutDialogRunsOnTheKeptParameters) {
   ASSERT_EQ(host.Run(), 0);
   char** kept = host.record().parameters;
   reinterpret_cast<StrokeRecord*>(host.effect())->seed = 321;
+  const int32_t continues = host.continueCalls();
   host.ClearLog();
   int32_t blocks = BlocksMade();
 
@@ -151,7 +152,7 @@ TEST_F(DispatchTest, RepeatWithoutDialogRunsOnTheKeptParameters) {
   EXPECT_EQ(host.record().parameters, kept);
   EXPECT_EQ(reinterpret_cast<StrokeRecord*>(host.effect())->seed, 321);
   EXPECT_EQ(host.hostProcCalls(), 2) << "the prepare step and the stroke start each ask once";
-  EXPECT_EQ(host.continueCalls(), 3);
+  EXPECT_EQ(host.continueCalls(), continues) << "the same rows as the first run";
   EXPECT_EQ(BlocksMade(), blocks);
 
   // A repeat whose prepare step fails frees the slot it made but keeps the

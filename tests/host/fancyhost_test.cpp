@@ -21,7 +21,7 @@ using testing::WritePicture;
 
 // Effects that hand every row back unchanged until their engines land.
 // Take an effect out of this list when its engine arrives.
-const char* const kEffectsWithoutEngine[] = {"brushka", "tessaris"};
+const char* const kEffectsWithoutEngine[] = {"tessaris"};
 
 class Fancyhost : public ::testing::Test {
  protected:
