@@ -17,6 +17,7 @@
 #include "params_file.h"
 #include "config/config.h"
 #include "platform/file.h"
+#include "relief/relief_styles.h"
 #include "setup.h"
 #include "tile_options.h"
 #include "stroke/style_file.h"
@@ -200,10 +201,21 @@ int RunApply(const ApplyOptions& o) {
   }
   FilterHostInit(&host, &image, o.maskPath.empty() ? nullptr : &mask, filterRect, gParameters);
 
+  // The relief dialogs are headless: a chosen style goes to them as a script.
+  if (!o.preset.empty()) ReliefDialogScript().style = o.preset;
+
   InstallInterruptHandler();
   static intptr_t data = 0;  // the module's data slot
   FilterRunResult run = FilterHostRun(&host, EffectCaller(module, o.filterId), &data);
   gParameters = host.record.parameters;
+
+  if (ReliefDialogScript().missing) {
+    std::string names;
+    for (const std::string& name : ReliefDialogScript().listed)
+      names += (names.empty() ? "\"" : ", \"") + name + "\"";
+    return Say(kExitUsage, "%s has no style \"%s\" (its styles: %s); nothing written",
+               EffectName(o.filterId), o.preset.c_str(), names.empty() ? "none" : names.c_str());
+  }
 
   if (run.result == kErrUserCancelled)
     return Say(kExitCancelled, "%s was cancelled (%d); nothing written", EffectName(o.filterId),

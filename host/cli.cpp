@@ -63,6 +63,9 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
       if (!value(&o.maskPath)) return false;
     } else if (a == "--params") {
       if (!value(&o.paramsPath)) return false;
+    } else if (a == "--preset") {
+      if (!value(&o.preset)) return false;
+      if (o.preset.empty()) return Fail(error, "--preset wants the name of a style");
     } else if (a == "--style") {
       if (!value(&o.style)) return false;
       if (o.style.empty()) return Fail(error, "--style wants the name of a saved style");
@@ -128,6 +131,10 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
     o.input = positional[1];
     o.output = positional[2];
   }
+  if (!o.preset.empty() && o.filterId != kFilterGlass && o.filterId != kFilterKnurl)
+    return Fail(error, "--preset is for glass and knurl, whose dialogs keep a style list");
+  if (!o.preset.empty() && o.noDialog)
+    return Fail(error, "--preset chooses a style in the dialog, which --no-dialog skips");
   return true;
 }
 
@@ -221,6 +228,8 @@ const char* UsageText() {
       "  --mode grey|rgb|cmyk image mode (default: the file's)\n"
       "  --params FILE        load the effect's parameters before the run if FILE exists,\n"
       "                       save them after a successful run\n"
+      "  --preset NAME        glass and knurl: choose the style NAME in the dialog's list\n"
+      "                       (as in PLGPARAM.INI: Defaults, Lens, Wet, ...), then OK\n"
       "  --no-dialog          repeat with the parameters of --params, without the dialog\n"
       "  --style NAME         brushka: choose the saved style NAME before the run, as the\n"
       "                       style list of the dialog does (it becomes the current style\n"
@@ -228,7 +237,7 @@ const char* UsageText() {
       "  --trace              one line per event on standard output:\n"
       "                         call SELECTOR result CODE\n"
       "                         progress DONE TOTAL\n"
-      "                         request in T L B R LO HI out T L B R LO HI\n"
+      "                         request in T L B R LO HI out T L B R LO HI [mask T L B R]\n"
       "                         hostproc SELECTOR\n"
       "  --quiet              no progress bar and no messages but errors\n"
       "\n"

@@ -23,6 +23,7 @@ struct ApplyOptions {
   uint8_t foreground[3] = {0, 0, 0};        // red, green, blue
   uint8_t background[3] = {255, 255, 255};
   std::string paramsPath;
+  std::string preset;  // glass, knurl: a style to choose in the dialog's list
   std::string style;  // brushka: a saved style to choose before the run
   bool noDialog = false;
   bool trace = false;

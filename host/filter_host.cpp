@@ -55,9 +55,13 @@ void TraceCall(FilterHost* host, int16_t selector, int16_t result) {
 
 void TraceRequest(const FilterHost* host) {
   const FilterRecord& r = host->record;
-  Trace(host, "request in %d %d %d %d %d %d out %d %d %d %d %d %d", r.inRect.top, r.inRect.left,
+  char mask[64] = "";
+  if (!Empty(r.maskRect))
+    std::snprintf(mask, sizeof mask, " mask %d %d %d %d", r.maskRect.top, r.maskRect.left,
+                  r.maskRect.bottom, r.maskRect.right);
+  Trace(host, "request in %d %d %d %d %d %d out %d %d %d %d %d %d%s", r.inRect.top, r.inRect.left,
         r.inRect.bottom, r.inRect.right, r.inLoPlane, r.inHiPlane, r.outRect.top, r.outRect.left,
-        r.outRect.bottom, r.outRect.right, r.outLoPlane, r.outHiPlane);
+        r.outRect.bottom, r.outRect.right, r.outLoPlane, r.outHiPlane, mask);
 }
 
 bool RequestStands(const FilterRecord& r) { return !Empty(r.inRect) || !Empty(r.outRect); }
@@ -118,7 +122,8 @@ bool DeliverRequest(FilterHost* host) {
 // asked for now.
 bool TakeAndDeliver(FilterHost* host) {
   TakePending(host);
-  if (!RequestStands(host->record)) return true;
+  // The relief effects read the selection alone, with only maskRect set.
+  if (!RequestStands(host->record) && Empty(host->record.maskRect)) return true;
   TraceRequest(host);
   return DeliverRequest(host);
 }

@@ -29,9 +29,11 @@ class RowsTest : public ::testing::Test {
   MessageBoxRecorder boxes_;
 };
 
-TEST_F(RowsTest, EffectsWithoutEngineGiveTheImageBackUnchanged) {
+// Without a style file the stroke record stays as made, with nothing to
+// paint: the rows still travel the whole protocol and come back unchanged.
+TEST_F(RowsTest, StrokeWithoutStyleFileGivesTheImageBackUnchanged) {
   const int16_t modes[] = {kModeGray, kModeRGB, kModeCMYK};
-  const int32_t effects[] = {kFilterBrushka, kFilterGlass};
+  const int32_t effects[] = {kFilterBrushka};
   for (int32_t id : effects) {
     for (int16_t mode : modes) {
       SCOPED_TRACE(::testing::Message() << "effect " << id << ", mode " << mode);
