@@ -1,5 +1,6 @@
 #include "apply.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -14,8 +15,12 @@
 #include "interrupt.h"
 #include "output_file.h"
 #include "params_file.h"
+#include "config/config.h"
 #include "platform/file.h"
+#include "relief/relief_styles.h"
 #include "setup.h"
+#include "tile_options.h"
+#include "stroke/style_file.h"
 
 namespace fancy {
 
@@ -82,6 +87,29 @@ int SaveParams(const ApplyOptions& o) {
   return kExitSuccess;
 }
 
+// Chooses a saved style of the stroke effect as the dialog's style list
+// does: the name becomes Current in the style file and the style is loaded
+// into the parameters block, when there is one (without one, the module
+// makes the block from Current).
+int ChooseStyle(const ApplyOptions& o) {
+  ConfigReset();  // the folder may have just been set up
+  StyleList list;
+  StyleListRead(&list);
+  if (std::find(list.names.begin(), list.names.end(), o.style) == list.names.end()) {
+    std::string names;
+    for (const std::string& name : list.names) names += (names.empty() ? "" : ", ") + name;
+    return Say(kExitUsage, "no style \"%s\" in %s; the saved styles are: %s", o.style.c_str(),
+               StyleFilePath(), names.empty() ? "none" : names.c_str());
+  }
+  StrokeRecord scratch{};
+  scratch.head = {kFilterBrushka, kClassStroke};
+  StrokeRecord* record =
+      gParameters && *gParameters ? reinterpret_cast<StrokeRecord*>(*gParameters) : &scratch;
+  if (!StyleChoose(o.style.c_str(), record))
+    return Say(kExitFile, "cannot choose the style \"%s\" in %s", o.style.c_str(), StyleFilePath());
+  return kExitSuccess;
+}
+
 int StepDelayFromEnvironment() {
   const char* text = std::getenv("FANCYHOST_TEST_STEP_DELAY_MS");
   if (!text) return 0;
@@ -143,6 +171,14 @@ int RunApply(const ApplyOptions& o) {
                EffectName(o.filterId));
   }
 
+  if (!o.style.empty()) {
+    int code = ChooseStyle(o);
+    if (code != kExitSuccess) return code;
+  }
+
+  if (o.tile.Any() && !ApplyTileOptions(o.tile, &gParameters, &error))
+    return Say(kExitUsage, "%s", error.c_str());
+
   EffectModule module;
   if (EffectNeedsModule(o.filterId)) {
     std::string path = o.modulePath.empty() ? DefaultModulePath() : o.modulePath;
@@ -165,10 +201,21 @@ int RunApply(const ApplyOptions& o) {
   }
   FilterHostInit(&host, &image, o.maskPath.empty() ? nullptr : &mask, filterRect, gParameters);
 
+  // The relief dialogs are headless: a chosen style goes to them as a script.
+  if (!o.preset.empty()) ReliefDialogScript().style = o.preset;
+
   InstallInterruptHandler();
   static intptr_t data = 0;  // the module's data slot
   FilterRunResult run = FilterHostRun(&host, EffectCaller(module, o.filterId), &data);
   gParameters = host.record.parameters;
+
+  if (ReliefDialogScript().missing) {
+    std::string names;
+    for (const std::string& name : ReliefDialogScript().listed)
+      names += (names.empty() ? "\"" : ", \"") + name + "\"";
+    return Say(kExitUsage, "%s has no style \"%s\" (its styles: %s); nothing written",
+               EffectName(o.filterId), o.preset.c_str(), names.empty() ? "none" : names.c_str());
+  }
 
   if (run.result == kErrUserCancelled)
     return Say(kExitCancelled, "%s was cancelled (%d); nothing written", EffectName(o.filterId),

@@ -63,6 +63,12 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
       if (!value(&o.maskPath)) return false;
     } else if (a == "--params") {
       if (!value(&o.paramsPath)) return false;
+    } else if (a == "--preset") {
+      if (!value(&o.preset)) return false;
+      if (o.preset.empty()) return Fail(error, "--preset wants the name of a style");
+    } else if (a == "--style") {
+      if (!value(&o.style)) return false;
+      if (o.style.empty()) return Fail(error, "--style wants the name of a saved style");
     } else if (a == "--rect") {
       if (!value(&v)) return false;
       int32_t r[4];
@@ -78,6 +84,25 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
       if (!value(&v)) return false;
       if (!ParseMode(v, &o.mode)) return Fail(error, "--mode wants grey, rgb or cmyk, got \"" + v + "\"");
       o.haveMode = true;
+    } else if (a == "--group") {
+      if (!value(&v)) return false;
+      o.tile.group = ParseTileGroup(v);
+      if (!o.tile.group) return Fail(error, "--group wants p1, cm, pm, p2, pg, pgg, pmm, p4, p4g, "
+                                            "p4m, cmm, pmg, p3, p3m1, p31m, p6, p6m or 1..17, got \"" + v + "\"");
+    } else if (a == "--tile-mode") {
+      if (!value(&v)) return false;
+      o.tile.mode = ParseTileMode(v);
+      if (!o.tile.mode) return Fail(error, "--tile-mode wants normal, darken, lighten, hue, "
+                                           "saturation, color, luminosity, multiply, screen or "
+                                           "1..9, got \"" + v + "\"");
+    } else if (a == "--opacity" || a == "--feather") {
+      if (!value(&v)) return false;
+      const bool opacity = a == "--opacity";
+      if (!ParseInt(v, opacity ? 1 : 0, 100, opacity ? &o.tile.opacity : &o.tile.feather))
+        return Fail(error, a + (opacity ? " wants 1..100" : " wants 0..100") + ", got \"" + v + "\"");
+    } else if (a == "--source") {
+      if (!value(&o.tile.source)) return false;
+      if (o.tile.source.empty()) return Fail(error, "--source needs a file");
     } else if (a == "--no-dialog") {
       o.noDialog = true;
     } else if (a == "--trace") {
@@ -98,10 +123,18 @@ bool ParseApply(const std::vector<std::string>& args, size_t i, CommandLine* lin
   if (o.filterId == 0)
     return Fail(error, "unknown effect \"" + positional[0] +
                            "\": use brushka, tessaris, glass, knurl or 200..203");
+  if (o.tile.Any() && o.filterId != kFilterTessaris)
+    return Fail(error, "--group, --tile-mode, --opacity, --feather and --source are for tessaris");
+  if (!o.style.empty() && o.filterId != kFilterBrushka)
+    return Fail(error, "--style chooses a style of brushka only");
   if (want == 3) {
     o.input = positional[1];
     o.output = positional[2];
   }
+  if (!o.preset.empty() && o.filterId != kFilterGlass && o.filterId != kFilterKnurl)
+    return Fail(error, "--preset is for glass and knurl, whose dialogs keep a style list");
+  if (!o.preset.empty() && o.noDialog)
+    return Fail(error, "--preset chooses a style in the dialog, which --no-dialog skips");
   return true;
 }
 
@@ -195,13 +228,27 @@ const char* UsageText() {
       "  --mode grey|rgb|cmyk image mode (default: the file's)\n"
       "  --params FILE        load the effect's parameters before the run if FILE exists,\n"
       "                       save them after a successful run\n"
+      "  --preset NAME        glass and knurl: choose the style NAME in the dialog's list\n"
+      "                       (as in PLGPARAM.INI: Defaults, Lens, Wet, ...), then OK\n"
       "  --no-dialog          repeat with the parameters of --params, without the dialog\n"
+      "  --style NAME         brushka: choose the saved style NAME before the run, as the\n"
+      "                       style list of the dialog does (it becomes the current style\n"
+      "                       and is loaded into the parameters)\n"
       "  --trace              one line per event on standard output:\n"
       "                         call SELECTOR result CODE\n"
       "                         progress DONE TOTAL\n"
-      "                         request in T L B R LO HI out T L B R LO HI\n"
+      "                         request in T L B R LO HI out T L B R LO HI [mask T L B R]\n"
       "                         hostproc SELECTOR\n"
       "  --quiet              no progress bar and no messages but errors\n"
+      "\n"
+      "tessaris options, set as its dialog's controls would set them (on top of --params):\n"
+      "  --group NAME         the symmetry: p1 cm pm p2 pg pgg pmm p4 p4g p4m cmm pmg p3 p3m1\n"
+      "                       p31m p6 p6m, or 1..17 (default p4)\n"
+      "  --tile-mode NAME     normal darken lighten hue saturation color luminosity multiply\n"
+      "                       screen, or 1..9 (default normal)\n"
+      "  --opacity N          1..100 percent of tile (default 100)\n"
+      "  --feather N          0..100 percent of the cell's largest feather (default 0)\n"
+      "  --source FILE        cut the cell from an uncompressed BMP instead of the picture\n"
       "\n"
       "Exit codes: 0 success, 1 the effect failed, 2 usage, 3 unreadable input or\n"
       "unwritable output, 130 cancelled (Ctrl-C). The output is written only when the\n"

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "picture.h"
+#include "tile_options.h"
 
 namespace fancy {
 
@@ -22,11 +23,14 @@ struct ApplyOptions {
   uint8_t foreground[3] = {0, 0, 0};        // red, green, blue
   uint8_t background[3] = {255, 255, 255};
   std::string paramsPath;
+  std::string preset;  // glass, knurl: a style to choose in the dialog's list
+  std::string style;  // brushka: a saved style to choose before the run
   bool noDialog = false;
   bool trace = false;
   bool quiet = false;
   bool haveMode = false;
   PixelMode mode = PixelMode::kRGB;
+  TileOptions tile;  // Tessaris only
 };
 
 struct CommandLine {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <thread>
 
+#include "image_objects.h"
 #include "interrupt.h"
 
 namespace fancy {
@@ -54,9 +55,13 @@ void TraceCall(FilterHost* host, int16_t selector, int16_t result) {
 
 void TraceRequest(const FilterHost* host) {
   const FilterRecord& r = host->record;
-  Trace(host, "request in %d %d %d %d %d %d out %d %d %d %d %d %d", r.inRect.top, r.inRect.left,
+  char mask[64] = "";
+  if (!Empty(r.maskRect))
+    std::snprintf(mask, sizeof mask, " mask %d %d %d %d", r.maskRect.top, r.maskRect.left,
+                  r.maskRect.bottom, r.maskRect.right);
+  Trace(host, "request in %d %d %d %d %d %d out %d %d %d %d %d %d%s", r.inRect.top, r.inRect.left,
         r.inRect.bottom, r.inRect.right, r.inLoPlane, r.inHiPlane, r.outRect.top, r.outRect.left,
-        r.outRect.bottom, r.outRect.right, r.outLoPlane, r.outHiPlane);
+        r.outRect.bottom, r.outRect.right, r.outLoPlane, r.outHiPlane, mask);
 }
 
 bool RequestStands(const FilterRecord& r) { return !Empty(r.inRect) || !Empty(r.outRect); }
@@ -117,7 +122,8 @@ bool DeliverRequest(FilterHost* host) {
 // asked for now.
 bool TakeAndDeliver(FilterHost* host) {
   TakePending(host);
-  if (!RequestStands(host->record)) return true;
+  // The relief effects read the selection alone, with only maskRect set.
+  if (!RequestStands(host->record) && Empty(host->record.maskRect)) return true;
   TraceRequest(host);
   return DeliverRequest(host);
 }
@@ -142,13 +148,13 @@ OSErr OnAdvanceState() {
 }
 
 void FillExtension(FilterHost* host, HostExtension* ext) {
-  ext->sourceImage = reinterpret_cast<Image*>(&host->sourceObject);
+  ext->sourceImage = host->sourceImage;
   ext->displayContext = reinterpret_cast<DisplayContext*>(&host->displayObject);
   ext->colorContext = nullptr;
   ext->hostMenu = nullptr;
   ext->hostMenuCount = 0;
   ext->hostMenuFirstId = 0;
-  ext->maskImage = host->mask ? reinterpret_cast<Image*>(&host->maskObject) : nullptr;
+  ext->maskImage = host->maskImage;
   std::memset(ext->helpFile, 0, sizeof ext->helpFile);
   std::strncpy(ext->helpFile, host->settings.helpFile.c_str(), sizeof ext->helpFile - 1);
   ext->maskTop = host->maskBounds[0];
@@ -169,27 +175,6 @@ void OnHostProc(int16_t selector, intptr_t* data) {
     // fancyhost offers no menu of its own: the command is only noted.
     std::fprintf(stderr, "fancyhost: the effect sent menu command %u\n", ext->commandId);
   }
-}
-
-// The selection's bounds in the mask, inclusive; an empty mask gives
-// bottom and right below top and left.
-void FindMaskBounds(const HostImage& mask, int16_t bounds[4]) {
-  int32_t top = mask.height, left = mask.width, bottom = -1, right = -1;
-  for (int32_t y = 0; y < mask.height; ++y) {
-    const uint8_t* row = mask.Pixel(0, y);
-    for (int32_t x = 0; x < mask.width; ++x) {
-      if (!row[x]) continue;
-      top = std::min(top, y);
-      bottom = std::max(bottom, y);
-      left = std::min(left, x);
-      right = std::max(right, x);
-    }
-  }
-  if (bottom < 0) top = left = 0;
-  bounds[0] = int16_t(top);
-  bounds[1] = int16_t(left);
-  bounds[2] = int16_t(bottom);
-  bounds[3] = int16_t(right);
 }
 
 // The record's colours in the image's mode: grey first for grey, red first
@@ -291,10 +276,8 @@ void FilterHostInit(FilterHost* host, HostImage* image, const HostImage* mask, R
                     char** parameters) {
   host->image = image;
   host->mask = mask;
-  host->sourceObject = {Tag('F', 'H', 'I', 'M'), image, filterRect};
-  host->maskObject = {Tag('F', 'H', 'I', 'M'), const_cast<HostImage*>(mask), filterRect};
   host->displayObject = {Tag('F', 'H', 'D', 'C'), 24};
-  if (mask) FindMaskBounds(*mask, host->maskBounds);
+  if (mask) FindSelectionBounds(*mask, host->maskBounds);
 
   FilterRecord& r = host->record;
   r = FilterRecord{};
@@ -329,6 +312,23 @@ void FilterHostInit(FilterHost* host, HostImage* image, const HostImage* mask, R
 
 FilterRunResult FilterHostRun(FilterHost* host, const EffectCall& call, intptr_t* data) {
   FilterRunResult outcome;
+  // The Images live for this run only, however it ends.
+  struct RunImages {
+    FilterHost* host;
+    ~RunImages() {
+      ImageDestroy(host->sourceImage);
+      ImageDestroy(host->maskImage);
+      host->sourceImage = host->maskImage = nullptr;
+    }
+  } images{host};
+  const FilterRecord& r = host->record;
+  host->sourceImage = MakePictureImage(host->image, r.imageHRes, r.imageVRes);
+  if (host->mask) host->maskImage = MakeSelectionImage(host->mask, r.imageHRes, r.imageVRes);
+  if (!host->sourceImage || (host->mask && !host->maskImage)) {
+    host->failure = "the host could not make the image objects of the picture and its selection";
+    outcome.hostFailure = true;
+    return outcome;
+  }
   gHost = host;
   ProgressBarInit(&host->bar, "fancyhost", host->settings.quiet);
   auto select = [&](int16_t selector) {

@@ -19,14 +19,8 @@
 
 namespace fancy {
 
-// The host's own objects that the extension hands out until the module's
-// image model takes their place: what is being filtered, where it would be
-// shown, and the selection.
-struct HostPictureObject {
-  uint32_t tag;             // "FHIM"
-  HostImage* image;
-  Rect16 area;              // the filter rectangle
-};
+// The display object the extension hands out: fancyhost's own record, which
+// shows nothing, until it has a display of the image model.
 struct HostDisplayObject {
   uint32_t tag;             // "FHDC"
   int32_t bitsPerPixel;
@@ -55,8 +49,10 @@ struct FilterHost {
   PlatformData platform{};
   HostImage* image = nullptr;       // the working picture; the run changes it
   const HostImage* mask = nullptr;  // grey selection of the same size, or null
-  HostPictureObject sourceObject{};
-  HostPictureObject maskObject{};
+  // The picture and the selection as Images on their pixels (see
+  // image_objects.h); they exist while FilterHostRun runs.
+  Image* sourceImage = nullptr;
+  Image* maskImage = nullptr;
   HostDisplayObject displayObject{};
   int16_t maskBounds[4] = {0, 0, -1, -1};  // top, left, bottom, right, inclusive
 
@@ -87,7 +83,9 @@ struct FilterRunResult {
 };
 
 // Runs selectors 1 (unless noDialog), 2, 3, then 4 while a request stands,
-// and 5 when 3 succeeded. data is the module's data slot.
+// and 5 when 3 succeeded. data is the module's data slot. The Images of the
+// picture and the selection are made before the first call and destroyed
+// after the last; when they cannot be made nothing is called.
 FilterRunResult FilterHostRun(FilterHost* host, const EffectCall& call, intptr_t* data);
 
 // Serving a request, exposed for tests: fills buffer with rect and planes

@@ -17,6 +17,9 @@ namespace fancy {
 
 const char kRegistryKey[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavin\\Fancy\\8.00";
 const char kRegistryValue[] = "ConfigDir";
+const char* const kShippedBrushes[kShippedBrushCount] = {
+    "round-soft.bmp", "round-hard.bmp", "flat-bristle.bmp",
+    "dry-bristle.bmp", "spatter.bmp", "palette-knife.bmp"};
 
 namespace {
 
@@ -74,9 +77,9 @@ bool SetupConfig(const std::string& dirIn, std::string* error) {
     return false;
   }
   const std::string config = WithSeparator(JoinPath(dir, "Config"));
-  const std::string plugins = WithSeparator(JoinPath(dir, "Plugins"));
+  const std::string pluginsDir = WithSeparator(JoinPath(dir, "Plugins"));
   const std::string hostDir = WithSeparator(JoinPath(dir, "Host"));
-  for (const std::string& folder : {config, plugins, hostDir}) {
+  for (const std::string& folder : {config, pluginsDir, hostDir}) {
     if (!MakeDirectories(folder.c_str())) {
       *error = "cannot create the folder " + folder;
       return false;
@@ -87,6 +90,18 @@ bool SetupConfig(const std::string& dirIn, std::string* error) {
   if (!CopyIfMissing(JoinPath(data, "tavinapp.ini"), appIni, error) ||
       !CopyIfMissing(JoinPath(data, "Color.ini"), config + "Color.ini", error))
     return false;
+  // The stroke effect's style file and brushes sit in Plugins, beside Config.
+  const std::string plugins = JoinPath(DataDir(), "plugins");
+  const std::string brushes = WithSeparator(JoinPath(plugins, "brushes"));
+  if (!CopyIfMissing(JoinPath(plugins, "brushka.ini"), pluginsDir + "brushka.ini", error))
+    return false;
+  if (!MakeDirectories((pluginsDir + "brushes").c_str())) {
+    *error = "cannot create the folder " + pluginsDir + "brushes";
+    return false;
+  }
+  for (const char* brush : kShippedBrushes)
+    if (!CopyIfMissing(brushes + brush, WithSeparator(pluginsDir + "brushes") + brush, error))
+      return false;
   if (!ProfileWriteString("Config", "PixelboxDir", hostDir.c_str(), appIni.c_str())) {
     *error = "cannot write " + appIni;
     return false;

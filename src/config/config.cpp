@@ -363,4 +363,25 @@ uint32_t GetRollupPaintArea(char* buffer, uint32_t size) {
                           State().appIni.c_str());
 }
 
+uint32_t ProfileGetPath(const char* section, const char* key, const char* defaultValue,
+                        char* buffer, uint32_t size, const char* iniPath) {
+  if (!buffer || size == 0) return 0;
+  buffer[0] = '\0';
+  if (!iniPath || !iniPath[0]) return 0;
+  char raw[kRawValueSize];
+  uint32_t n = ProfileGetString(section, key, defaultValue ? defaultValue : "", raw, sizeof raw,
+                                iniPath);
+  if (n >= sizeof raw - 1) return 0;  // too long to be a path
+  std::string value(raw, n);
+  if (!IsAbsolutePath(value.c_str())) {
+    std::string folder = iniPath;
+    size_t cut = folder.size();
+    while (cut > 0 && !IsPathSeparator(folder[cut - 1])) --cut;
+    folder.resize(cut);
+    value = RemoveDotParts(folder + value);
+  }
+  if (value.size() > size - 1u) return 0;
+  return CopyOut(value, buffer, size);
+}
+
 }  // namespace fancy

@@ -52,4 +52,12 @@ uint32_t GetPaintArea(char* buffer, uint32_t size);
 bool SetPaintArea(const char* name);
 uint32_t GetRollupPaintArea(char* buffer, uint32_t size);
 
+// The path-expanding profile reader that other profile files share: reads key
+// of section from the profile file iniPath (defaultValue when missing) and
+// resolves a relative value against the folder of iniPath with its dot parts
+// taken off; an empty value is that folder. A result that does not fit in
+// size - 1 characters reads as empty. Returns the length copied.
+uint32_t ProfileGetPath(const char* section, const char* key, const char* defaultValue,
+                        char* buffer, uint32_t size, const char* iniPath);
+
 }  // namespace fancy

@@ -1,24 +1,30 @@
-// Glass's and The Knurl's handlers for the frame. The relief engine and its
-// dialogs come later; until then a run with a mask leaves the image as it is.
+// Glass's and The Knurl's handlers for the frame.
 #include "frame/effect_hooks.h"
-#include "frame/host_bridge.h"
 #include "frame/result_codes.h"
+#include "relief/relief_params.h"
+#include "relief/relief_run.h"
+#include "relief/relief_styles.h"
 
 namespace fancy {
 
-// Only the head for now; the relief records grow with their dialogs.
-int32_t ReliefRecordSize(int32_t) { return sizeof(EffectHead); }
+int32_t ReliefRecordSize(int32_t) { return sizeof(ReliefRecord); }
 
 int16_t ReliefCreateRecord(EffectHead*) { return kNoError; }
 
-// Without their dialogs the effects behave as a dialog closed with OK untouched.
-int16_t ReliefDialog(FilterRecord*, RunSlot*, EffectHead*) { return kNoError; }
+// Until the dialogs have windows, the dialog step is what a dialog opened
+// and closed with OK untouched does to the record and to PLGPARAM.INI.
+int16_t ReliefDialog(FilterRecord*, RunSlot*, EffectHead* effect) {
+  auto* record = reinterpret_cast<ReliefRecord*>(effect);
+  return ReliefStyleStep(effect->filterId, &record->params);
+}
 
-// The whole effect happens here; with no engine yet there is nothing to ask
-// the host for, and the empty request ends the run.
-int16_t ReliefRun(FilterRecord* record, RunSlot*, EffectHead*) {
-  ClearRowRequest(record);
-  return kNoError;
+// The whole effect happens here, rows through advanceState; the empty
+// request that it leaves ends the run.
+int16_t ReliefRun(FilterRecord* record, RunSlot*, EffectHead* effect) {
+  ReliefJob job{};
+  job.filterId = effect->filterId;
+  job.params = reinterpret_cast<ReliefRecord*>(effect)->params;
+  return ReliefRun(record, job);
 }
 
 }  // namespace fancy

@@ -63,7 +63,7 @@ void Symmetry::GetSourceRect(Rect16* rect) const {
 }
 
 int16_t Symmetry::BuildTile(const uint8_t*, int32_t, int32_t, int32_t, uint8_t*, int32_t,
-                            int32_t) {
+                            int32_t, TileBuildHooks*) {
   return kErrFilterFailure;
 }
 

@@ -16,6 +16,7 @@
 #include <memory>
 
 #include "frame/host_record.h"
+#include "tile/build_hooks.h"
 #include "tile/symmetry_params.h"
 
 namespace fancy {
@@ -113,17 +114,28 @@ class Symmetry {
   // grown by featherMargin.
   virtual void GetSourceRect(Rect16* rect) const;
 
-  // Replicates the cell (source rows, sourceStride bytes apart, tile pixel
-  // type sourceType) into the tile. progressMode 0 makes no progress
-  // calls, 1 counts against tile rows + targetHeight, 2 against rows + 1.
-  // Each group supplies its own; this default writes nothing and returns
-  // kErrFilterFailure.
+  // Replicates the cell into the tile: tileWidth x tileHeight pixels of
+  // tileType, rows tileStride bytes apart. source is the first byte of the
+  // cell's bounding box (extentWidth x extentHeight pixels of sourceType,
+  // rows sourceStride bytes apart); with flipRows its rows lie bottom up in
+  // memory, and the finished tile is reversed row by row to match. Types
+  // are TilePixelType codes; RGB in three and in four bytes may be mixed.
+  // progressMode 0 makes no progress calls, 1 counts the cell's rows
+  // against rows + targetHeight, 2 against rows + 1; hooks (may be null)
+  // get them and the abort test once per cell row. Returns 0,
+  // kTileBuildCancelled when aborted, -108 without memory, and
+  // kErrFilterFailure for arguments that do not fit the group (nothing
+  // written). This default refuses.
   virtual int16_t BuildTile(const uint8_t* source, int32_t sourceStride, int32_t sourceType,
                             int32_t progressMode, uint8_t* tile, int32_t tileStride,
-                            int32_t tileType);
-  // Cross-fades the cell's border with what lies outside it (source holds
-  // the cell and its margins) into cell. Groups that feather supply their
-  // own; this default writes nothing and returns kErrFilterFailure.
+                            int32_t tileType, TileBuildHooks* hooks);
+  // Cross-fades the cell's border with what lies across it into cell
+  // (extentWidth x extentHeight pixels, top row first). source points at
+  // the cell's corner in a picture that reaches featherMargin pixels
+  // beyond the bounding box on every side, rows top first. The groups with
+  // mirrors on every edge, and this default, refuse with
+  // kErrFilterFailure. finalFlag is 1 on the final path; the result does
+  // not depend on it. -108, with cell untouched, when memory runs out.
   virtual int16_t BuildFeatheredCell(const uint8_t* source, int32_t sourceStride,
                                      int32_t sourceType, int32_t finalFlag, uint8_t* cell,
                                      int32_t cellStride, int32_t cellType);

@@ -9,6 +9,7 @@
 #include "frame/block.h"
 #include "frame/entry.h"
 #include "frame/module_handle.h"
+#include "imaging/image.h"
 
 namespace fancy::testing {
 
@@ -16,8 +17,8 @@ namespace {
 
 TestHost* gActiveHost = nullptr;
 
-// Stand-ins for the host's objects: distinct, non-null, never dereferenced by
-// the frame.
+// Stand-ins for the host's display object and window: distinct, non-null,
+// never dereferenced by the frame.
 alignas(16) unsigned char gStandInObjects[64];
 
 constexpr uint8_t kPadding = 0xCD;  // fills the bytes past each row's data
@@ -39,7 +40,44 @@ uint8_t GreyOf(uint8_t blue, uint8_t green, uint8_t red) {
   return static_cast<uint8_t>((red * 299 + green * 587 + blue * 114 + 500) / 1000);
 }
 
+// The Image type of a host image of that many planes: grey, blue-green-red,
+// or CMYK as stored.
+int32_t ImageTypeOfPlanes(int32_t planes) {
+  switch (planes) {
+    case 3: return kImageBGR24;
+    case 4: return kImageCMYK32;
+    default: return kImageGrey8;
+  }
+}
+
+int32_t Resolution(Fixed dotsPerInch) {
+  return dotsPerInch > 0 ? static_cast<int32_t>((int64_t{dotsPerInch} * 1000 + 0x8000) >> 16)
+                         : 0;
+}
+
+// An Image of `type` on the host image's packed rows; null for an empty one.
+Image* ImageOnHostPixels(HostImage& host, int32_t type, const FilterRecord& record) {
+  if (host.width <= 0 || host.height <= 0 || host.pixels.empty()) return nullptr;
+  Image* image = ImageCreateOnBuffer(type, host.width, host.height, Resolution(record.imageHRes),
+                                     Resolution(record.imageVRes), host.pixels.data());
+  if (!image || ImageSetRowBytes(image, host.width * host.planes) == 0) {
+    ADD_FAILURE() << "the test host cannot make an Image of type " << type;
+    ImageDestroy(image);
+    return nullptr;
+  }
+  return image;
+}
+
+// True while `image` still lies on the host image's pixels as they are.
+bool LiesOn(const Image* image, const HostImage& host) {
+  return image && ImageGetWidth(image) == host.width && ImageGetHeight(image) == host.height &&
+         ImageGetRowBytes(image) == host.width * host.planes &&
+         ImagePixelAddress(image, 0, 0) == host.pixels.data();
+}
+
 }  // namespace
+
+void TestHost::ImageRelease::operator()(Image* image) const { ImageDestroy(image); }
 
 struct TestHostProcs {
   static void HostProc(int16_t selector, intptr_t* data) {
@@ -63,7 +101,8 @@ TestHost::TestHost(int32_t filterId, int32_t width, int32_t height, int16_t imag
   image_.pixels.assign(static_cast<size_t>(width) * height * image_.planes, 0);
   FillPattern(1);
 
-  objects_.sourceImage = reinterpret_cast<Image*>(gStandInObjects);
+  sourceImage_.reset(ImageOnHostPixels(image_, ImageTypeOfPlanes(image_.planes), record_));
+  objects_.sourceImage = sourceImage_.get();
   objects_.displayContext = reinterpret_cast<DisplayContext*>(gStandInObjects + 16);
 
   record_.serial = 0;
@@ -104,7 +143,8 @@ void TestHost::SetMask(uint8_t value) {
   mask_.planes = 1;
   mask_.pixels.assign(static_cast<size_t>(mask_.width) * mask_.height, value);
   record_.haveMask = 1;
-  objects_.maskImage = reinterpret_cast<Image*>(gStandInObjects + 48);
+  maskImage_.reset(ImageOnHostPixels(mask_, kImageMask, record_));
+  objects_.maskImage = maskImage_.get();
   objects_.maskBounds = Rect16{0, 0, static_cast<int16_t>(image_.height - 1),
                                static_cast<int16_t>(image_.width - 1)};
 }
@@ -142,6 +182,7 @@ void TestHost::HostProc(int16_t selector, HostExtension* extension) {
     return;
   }
   if (selector != kHostProcFill) return;
+  RefreshImages();
   extension->sourceImage = objects_.sourceImage;
   extension->displayContext = objects_.displayContext;
   extension->colorContext = objects_.colorContext;
@@ -155,6 +196,18 @@ void TestHost::HostProc(int16_t selector, HostExtension* extension) {
   extension->maskLeft = objects_.maskBounds.left;
   extension->maskBottom = objects_.maskBounds.bottom;
   extension->maskRight = objects_.maskBounds.right;
+}
+
+void TestHost::RefreshImages() {
+  // Objects a test put in place of the host's own are left as they are.
+  if (objects_.sourceImage == sourceImage_.get() && !LiesOn(sourceImage_.get(), image_)) {
+    sourceImage_.reset(ImageOnHostPixels(image_, ImageTypeOfPlanes(image_.planes), record_));
+    objects_.sourceImage = sourceImage_.get();
+  }
+  if (maskImage_ && objects_.maskImage == maskImage_.get() && !LiesOn(maskImage_.get(), mask_)) {
+    maskImage_.reset(ImageOnHostPixels(mask_, kImageMask, record_));
+    objects_.maskImage = maskImage_.get();
+  }
 }
 
 Boolean TestHost::Abort() {

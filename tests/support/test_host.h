@@ -1,12 +1,19 @@
 // TestHost: an in-process stand-in for the host of the filter interface.
 //
 // It owns a FilterRecord, an image (planes interleaved, as the host keeps
-// them: grey one plane, RGB three with blue first, CMYK four), an optional
-// selection mask, and the data slot; it answers hostProc with a
-// HostExtension whose objects are non-null, records progress calls and
-// menu commands, and plays abortProc from a script. Calls go through
-// FilterEntry with the host's FilterId, one selector at a time or as a whole
-// run.
+// them: grey one plane, RGB three with blue first, CMYK four stored inverted,
+// 255 no ink), an optional selection mask, and the data slot; it answers
+// hostProc with a HostExtension whose objects are non-null, records progress
+// calls and menu commands, and plays abortProc from a script. Calls go
+// through FilterEntry with the host's FilterId, one selector at a time or as
+// a whole run.
+//
+// The extension's sourceImage and maskImage are Images on the host's own
+// pixels (storage kind 3, packed rows): type 5, 1 or 3 for one, three or four
+// planes, type 99 for the mask; an effect that reads them sees the image as
+// it stands. The host keeps them for its own life, so a test may compare
+// them after a run; when a test gives image() or mask() a new buffer they are
+// made again at the next hostProc.
 //
 // Rows move as a host moves them: before each continue (and at each
 // advanceState) the host delivers the planes inLoPlane..inHiPlane of inRect
@@ -23,6 +30,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -60,8 +68,10 @@ struct SelectorCall {
   int16_t result;
 };
 
-// What hostProc(1) hands the module. The defaults are non-null stand-ins
-// that the frame only carries; effects that draw need real objects here.
+// What hostProc(1) hands the module. sourceImage (and maskImage after
+// SetMask) are the host's Images; displayContext is a non-null stand-in that
+// the frame only carries. A test may put objects of its own in their place;
+// the host then leaves them alone and never frees them.
 struct HostObjects {
   Image* sourceImage;
   DisplayContext* displayContext;
@@ -99,7 +109,8 @@ class TestHost {
   // Fills the image with a deterministic pattern of the seed.
   void FillPattern(uint32_t seed);
   // Gives the host a selection: haveMask set, a mask of the image's size
-  // (255 inside) delivered as maskRect asks.
+  // (255 inside) delivered as maskRect asks and handed as maskImage, with
+  // the whole image as its bounds.
   void SetMask(uint8_t value = 255);
   // The host's extension door: hostSig magic and hostProc, or neither.
   void OfferExtension(bool offered);
@@ -142,6 +153,12 @@ class TestHost {
   OSErr Advance();
   void Deliver();
   void TakeBack();
+  void RefreshImages();
+
+  struct ImageRelease {
+    void operator()(Image* image) const;
+  };
+  using OwnedImage = std::unique_ptr<Image, ImageRelease>;
 
   int32_t filterId_;
   FilterRecord record_{};
@@ -150,6 +167,7 @@ class TestHost {
   HostImage image_;
   HostImage mask_;
   HostObjects objects_;
+  OwnedImage sourceImage_, maskImage_;  // the Images this host made
   std::function<bool(int32_t)> abortScript_;
 
   // Buffers of the current delivery and what they were delivered for.

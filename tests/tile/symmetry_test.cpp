@@ -55,7 +55,7 @@ TEST(Symmetry, MakeSymmetryOwnsOneObjectOfTheGroupsClass) {
   // The tile builders are the groups' own; the base refuses.
   auto s = CreateSymmetry(kGroupPm);
   uint8_t pixel = 7;
-  EXPECT_EQ(s->Symmetry::BuildTile(&pixel, 1, 1, 0, &pixel, 1, 1), kErrFilterFailure);
+  EXPECT_EQ(s->Symmetry::BuildTile(&pixel, 1, 1, 0, &pixel, 1, 1, nullptr), kErrFilterFailure);
   EXPECT_EQ(s->Symmetry::BuildFeatheredCell(&pixel, 1, 1, 0, &pixel, 1, 1), kErrFilterFailure);
   EXPECT_EQ(pixel, 7);
 }
