@@ -1,17 +1,10 @@
 #include "tile/source_convert.h"
 
+#include "imaging/composite.h"
+#include "imaging/merge.h"
 #include "tile/tile_pixel.h"
 
 namespace fancy {
-
-struct DrawContext;
-
-// The compositor's one entry: merges (here: converts) the source rectangle of
-// one picture into the destination rectangle of another. 1 for done.
-int CompositeImage(DrawContext* context, Image* destination, int32_t x, int32_t y, int32_t width,
-                   int32_t height, const Rect* destinationRect, Image* source, int32_t sourceX,
-                   int32_t sourceY, int32_t sourceWidth, int32_t sourceHeight,
-                   const Rect* sourceRect, uint32_t mode);
 
 Image* ConvertSourceImage(Image* image, int32_t wantType) {
   if (!image) return nullptr;
@@ -19,8 +12,10 @@ Image* ConvertSourceImage(Image* image, int32_t wantType) {
   Image* converted = ImageCreate(wantType, image->width, image->height, image->xResolution,
                                  image->yResolution, kStorageOptionOneCell, nullptr, nullptr);
   if (!converted) return nullptr;
+  // A plain copy of every pixel: the compositor converts through its working
+  // types (grey by its weights, CMYK through the colour layer).
   if (!CompositeImage(nullptr, converted, 0, 0, image->width, image->height, nullptr, image, 0,
-                      0, image->width, image->height, nullptr, 0)) {
+                      0, image->width, image->height, nullptr, kMergeNormal)) {
     ImageDestroy(converted);
     return nullptr;
   }

@@ -40,7 +40,7 @@ struct TileRecord {
 
   // ---- the source ------------------------------------------------------
   int32_t sourceKind;    // kTileSourceFile or kTileSourceImage
-  int32_t loadedType;    // ImageType of the loaded picture
+  int32_t loadedType;    // TilePixelType of the loaded picture (1, 3 or 4)
   int32_t loadedWidth;   // size of the loaded picture
   int32_t loadedHeight;
   int32_t cropLeft;      // the part of the loaded picture used, right and

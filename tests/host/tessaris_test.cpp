@@ -5,9 +5,11 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <set>
 
 #include <gtest/gtest.h>
 
+#include "colour/clr_pixels.h"
 #include "params_file.h"
 #include "run_fancyhost.h"
 #include "support/bmp_bytes.h"
@@ -254,6 +256,11 @@ TEST_F(Tessaris, GreyRgbAndCmykPicturesRun) {
   }
 }
 
+// A BMP source in each host mode: the picture is brought to the host's mode
+// when it is loaded (grey by the weights 3, 6, 1 scaled by 3277 / 2^15, CMYK
+// through the colour layer), so every output pixel is a converted colour of
+// the source, and the mother cell shows the source's pixels, so converted,
+// in place.
 TEST_F(Tessaris, BmpSourceMakesTheTileAndAnRleFileIsRefused) {
   using testing::BmpSpec;
   BmpSpec spec;
@@ -264,14 +271,50 @@ TEST_F(Tessaris, BmpSourceMakesTheTileAndAnRleFileIsRefused) {
   const std::string source = dir.Write("source.bmp", testing::MakeBmp(spec));
   const std::string in = Input("in.png", 200, 150);
 
-  const FilePicture out = Apply(in, {"--source", source});
-  // Every pixel comes from the source's palette: red 77 in every colour,
-  // green and blue adding to 255.
-  for (size_t i = 0; i < out.pixels.size(); i += 3) {
-    ASSERT_EQ(out.pixels[i], 77) << i;
-    ASSERT_EQ(out.pixels[i + 1] + out.pixels[i + 2], 255) << i;
+  // Palette entry i as the output file holds it: grey as it is, RGB red
+  // first, CMYK stored by the host inverted and written as RGB by its rule.
+  auto written = [&](PixelMode mode, int i) {
+    const auto& c = spec.palette[size_t(i)];  // blue, green, red
+    HostImage pixel;
+    pixel.width = pixel.height = 1;
+    pixel.mode = mode;
+    pixel.planes = PlanesOf(mode);
+    if (mode == PixelMode::kGrey) {
+      pixel.pixels = {uint8_t(((3 * c[2] + 6 * c[1] + c[0]) * 3277) >> 15)};
+    } else if (mode == PixelMode::kRGB) {
+      pixel.pixels = {c[0], c[1], c[2]};
+    } else {
+      uint8_t ink[4];
+      EXPECT_EQ(CLRPixelsRGBToCMYK(c.data(), 3, ink, 4, 1, 1), 1);
+      for (uint8_t v : ink) pixel.pixels.push_back(uint8_t(255 - v));
+    }
+    const FilePicture file =
+        ToFilePicture(pixel, mode == PixelMode::kGrey ? PixelMode::kGrey : PixelMode::kRGB);
+    uint32_t key = 0;
+    for (uint8_t v : file.pixels) key = key << 8 | v;
+    return key;
+  };
+  for (PixelMode mode : {PixelMode::kRGB, PixelMode::kGrey, PixelMode::kCMYK}) {
+    SCOPED_TRACE(ModeName(mode));
+    const FilePicture out = Apply(in, {"--source", source, "--mode", ModeName(mode)});
+    const int n = mode == PixelMode::kGrey ? 1 : 3;
+    ASSERT_EQ(out.pixels.size(), size_t(200 * 150 * n));
+    auto at = [&](int32_t x, int32_t y) {
+      uint32_t key = 0;
+      const uint8_t* p = &out.pixels[(size_t(y) * 200 + size_t(x)) * size_t(n)];
+      for (int c = 0; c < n; ++c) key = key << 8 | p[c];
+      return key;
+    };
+    std::set<uint32_t> palette;
+    for (int i = 0; i < 256; ++i) palette.insert(written(mode, i));
+    for (int32_t y = 0; y < 150; ++y)
+      for (int32_t x = 0; x < 200; ++x) ASSERT_TRUE(palette.count(at(x, y))) << x << "," << y;
+    EXPECT_EQ(Wall{out}.PeriodX(), 2 * (80 / 3)) << "the cell is a third of the source";
+    // The cell: a square of side 26 centred in the source, at (32, 27).
+    for (int32_t y = 27; y < 27 + 26; ++y)
+      for (int32_t x = 32; x < 32 + 26; ++x)
+        ASSERT_EQ(at(x, y), written(mode, (x * 7 + y * 13) % 256)) << x << "," << y;
   }
-  EXPECT_EQ(Wall{out}.PeriodX(), 2 * (80 / 3)) << "the cell is a third of the source";
 
   spec.compression = 1;
   const std::string rle = dir.Write("rle.bmp", testing::MakeBmp(spec));

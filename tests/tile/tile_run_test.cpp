@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <set>
 
-#include "support/bmp_bytes.h"
+#include "colour/clr_pixels.h"
 #include "frame/module_state.h"
 #include "frame/result_codes.h"
+#include "support/bmp_bytes.h"
 #include "support/config_folder.h"
 #include "support/message_boxes.h"
 #include "support/test_host.h"
@@ -313,6 +315,84 @@ TEST_F(TileRun, LoadedBmpSourceOfEveryFormMakesTheTile) {
         ASSERT_EQ(Key(host.image(), x, y), want) << x << "," << y;
       }
   }
+}
+
+// A grey or CMYK host gets the loaded picture in its own mode: grey by the
+// weights 3, 6, 1 (R, G, B) scaled by 3277 / 2^15, CMYK as the colour layer's
+// inks stored the host's way, 255 for no ink. The mother cell shows those
+// pixels in place; feathered or not, the wallpaper is the one the image
+// itself gives when it holds the converted crop.
+TEST_F(TileRun, LoadedBmpSourceComesInTheHostsGreyOrCmyk) {
+  BmpSpec spec;
+  spec.width = 210, spec.height = 170, spec.bits = 24;
+  auto colour = [](int32_t x, int32_t y) {  // blue, green, red
+    return std::array<uint8_t, 3>{uint8_t(x * 5 + y), uint8_t(255 - x - 2 * y),
+                                  uint8_t(x * 3 + y * 7)};
+  };
+  for (int32_t y = 0; y < spec.height; ++y)
+    for (int32_t x = 0; x < spec.width; ++x) {
+      const auto c = colour(x, y);
+      spec.pixels.push_back(uint32_t(c[0] | c[1] << 8 | c[2] << 16));
+    }
+  const std::string path = config_.temp().Write("source.bmp", MakeBmp(spec));
+  // The host's bytes of the loaded pixel (x, y).
+  auto expected = [&](int16_t mode, int32_t x, int32_t y) {
+    const auto c = colour(x, y);
+    std::vector<uint8_t> want;
+    if (mode == kModeGray) {
+      want.push_back(uint8_t(((3 * c[2] + 6 * c[1] + c[0]) * 3277) >> 15));
+    } else {
+      uint8_t ink[4];
+      EXPECT_EQ(CLRPixelsRGBToCMYK(c.data(), 3, ink, 4, 1, 1), 1);
+      for (uint8_t v : ink) want.push_back(uint8_t(255 - v));
+    }
+    return want;
+  };
+
+  for (int16_t mode : {kModeGray, kModeCMYK})
+    for (int32_t feather : {0, 60}) {
+      SCOPED_TRACE(::testing::Message() << "mode " << mode << ", feather " << feather);
+      HostImage loaded;
+      {
+        TestHost host(kFilterTessaris, 150, 120, mode);
+        host.FillPattern(4);
+        ASSERT_EQ(host.Call(kSelectorParameters), kNoError);
+        auto* record = reinterpret_cast<TileRecord*>(host.effect());
+        record->sourceKind = kTileSourceFile;
+        record->featherPercent = feather;
+        std::snprintf(record->sourcePath, sizeof record->sourcePath, "%s", path.c_str());
+        ASSERT_EQ(host.Call(kSelectorFinish), kNoError);
+        ASSERT_EQ(host.Run(), kNoError);
+        EXPECT_TRUE(boxes_.boxes().empty()) << boxes_.boxes()[0].text;
+        record = reinterpret_cast<TileRecord*>(host.effect());
+        ASSERT_EQ(record->sourceKind, kTileSourceFile) << "the loaded picture was used";
+        EXPECT_EQ(record->cropLeft, 30);
+        EXPECT_EQ(record->cropTop, 25);
+        loaded = host.image();
+      }
+      // The image itself holding the converted crop, as its source.
+      TestHost plain(kFilterTessaris, 150, 120, mode);
+      for (int32_t y = 0; y < 120; ++y)
+        for (int32_t x = 0; x < 150; ++x) {
+          const std::vector<uint8_t> want = expected(mode, x + 30, y + 25);
+          for (int32_t p = 0; p < plain.image().planes; ++p)
+            plain.image().at(x, y, p) = want[size_t(p)];
+        }
+      const HostImage converted = plain.image();
+      ASSERT_EQ(RunWith(plain, [&](TileRecord& r) { r.featherPercent = feather; }), kNoError);
+      // The feather's fixed-point mixes round down. A loaded CMYK picture is
+      // mixed in inks and the image in inverted inks, so the two may part by
+      // their rounding, a level or two, and by nothing more.
+      const int32_t slack = mode == kModeCMYK && feather ? 2 : 0;
+      for (size_t i = 0; i < loaded.pixels.size(); ++i)
+        ASSERT_LE(std::abs(loaded.pixels[i] - plain.image().pixels[i]), slack) << i;
+      if (feather) continue;
+      // The cell, the square of side 40 at (55, 40), unchanged.
+      for (int32_t y = 40; y < 80; ++y)
+        for (int32_t x = 55; x < 95; ++x)
+          for (int32_t p = 0; p < converted.planes; ++p)
+            ASSERT_EQ(loaded.at(x, y, p), converted.at(x, y, p)) << x << "," << y;
+    }
 }
 
 TEST_F(TileRun, UnusableSourceFilesAreToldInTheDialogAndSilentAtTheStart) {
