@@ -19,11 +19,6 @@ void Invert(uint8_t* bytes, size_t count) {
   for (size_t i = 0; i < count; ++i) bytes[i] = static_cast<uint8_t>(255 - bytes[i]);
 }
 
-void InvertImage(Image* image) {
-  const size_t rowBytes = static_cast<size_t>(image->width) * 4;
-  for (int32_t y = 0; y < image->height; ++y) Invert(ImagePixelAddress(image, 0, y), rowBytes);
-}
-
 bool Addressable(const Image* image) {
   return image && image->width > 0 && image->height > 0 && ImagePixelAddress(image, 0, 0) &&
          ImagePixelAddress(image, 0, image->height - 1);
@@ -40,7 +35,7 @@ int32_t ImageTypeOfTile(int32_t pixelType) {
 
 }  // namespace
 
-int16_t TilePreviewRender(Image* result, Image* source, double scale) {
+int16_t TilePreviewRender(Image* result, const Image* source, double scale) {
   TileEngineState& s = gTileState;
   TileBuffer& tile = s.tileBuffer;
   if (tile.opacity < 1) return kNoError;
@@ -53,12 +48,13 @@ int16_t TilePreviewRender(Image* result, Image* source, double scale) {
   // The tile's origin with the current pan.
   tile.offsetX = tile.panX + s.baseX;
   tile.offsetY = tile.panY + s.baseY;
+  // The merge kernels work in the host's sense, where CMYK is stored
+  // inverted (255 no ink); the dialog's pictures and a preview's tile hold
+  // inks. For CMYK the tile and each source row are inverted for the merge,
+  // and the merged row is turned back to inks.
   const bool cmyk = result->type == kImageCMYK32;
   const size_t tileBytes = static_cast<size_t>(tile.rowBytes) * tile.height;
-  if (cmyk) {
-    InvertImage(source);
-    Invert(tile.data, tileBytes);
-  }
+  if (cmyk) Invert(tile.data, tileBytes);
   // A preview pixel steps 1/s tile pixels: a whole part, and a fraction in
   // hundred-thousandths.
   const double step = 1.0 / scale;
@@ -71,14 +67,13 @@ int16_t TilePreviewRender(Image* result, Image* source, double scale) {
     int32_t column, row;
     TileRowOrigin(tile, 0, static_cast<int32_t>(std::trunc(y / scale)), &column, &row);
     uint8_t* out = ImagePixelAddress(result, 0, y);
-    std::memcpy(out, ImagePixelAddress(source, 0, y), rowBytes);
+    std::memmove(out, ImagePixelAddress(source, 0, y), rowBytes);
+    if (cmyk) Invert(out, rowBytes);
     merged = MergeRow(tile, out, out, column, row, result->width, tile.pixelType, stepFraction,
                       stepWhole);
+    if (cmyk) Invert(out, rowBytes);
   }
-  if (cmyk) {
-    InvertImage(source);
-    Invert(tile.data, tileBytes);
-  }
+  if (cmyk) Invert(tile.data, tileBytes);
   return merged ? kNoError : kErrFilterFailure;
 }
 

@@ -100,10 +100,11 @@ bool TileRecordIsUsable(const TileRecord& params);
 // Merges the current tile into the dialog's result picture: result and
 // source are one-cell pictures of the same size and host type, rows top
 // first (source at preview scale, result written), scale is preview pixels
-// per source pixel (0 < s <= 1). For CMYK the source and the tile are
-// inverted for the merge and put back. Nothing happens at opacity 0.
+// per source pixel (0 < s <= 1). CMYK pictures hold inks, as the tile made
+// for a preview does: they are merged in the host's inverted sense, so the
+// result is the final run's, in inks. Nothing happens at opacity 0.
 // Returns 0, or -9987 when the pictures or the tile do not fit together.
-int16_t TilePreviewRender(Image* result, Image* source, double scale);
+int16_t TilePreviewRender(Image* result, const Image* source, double scale);
 
 // Writes the current tile as a BMP file of its size and type, the right way
 // up; 0, a file code (3, or 5 without memory), or -9987 without a tile.

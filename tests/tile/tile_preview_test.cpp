@@ -2,11 +2,14 @@
 // full and reduced scale against the final run's result, and Save Tile.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
 #include "frame/module_state.h"
 #include "frame/result_codes.h"
+#include "frame/run_slot.h"
+#include "support/bmp_bytes.h"
 #include "support/config_folder.h"
 #include "support/message_boxes.h"
 #include "support/test_host.h"
@@ -94,6 +97,76 @@ TEST_F(TilePreview, FullScaleShowsTheFinalResultAndHalfScaleEveryOtherPixel) {
   EXPECT_EQ(TilePreviewRender(grey.get(), grey.get(), 1.0), kErrFilterFailure);
   EXPECT_EQ(TilePreviewRender(result.get(), small.get(), 1.0), kErrFilterFailure);
   EXPECT_EQ(TilePreviewRender(result.get(), source.get(), 0.0), kErrFilterFailure);
+}
+
+// The dialog's CMYK pictures hold inks; the host's rows hold them inverted.
+// The preview of the host's picture, in inks, is the final run's result in
+// inks, under a merge (Multiply) that tells the two senses apart, whether
+// the tile is cut from the picture itself or from a loaded BMP.
+TEST_F(TilePreview, CmykPreviewIsTheFinalResultInInks) {
+  testing::BmpSpec spec;
+  spec.width = 170, spec.height = 130, spec.bits = 24;
+  for (int32_t i = 0; i < spec.width * spec.height; ++i)
+    spec.pixels.push_back(uint32_t(i * 2654435761u >> 8));
+  const std::string path = config_.temp().Write("source.bmp", testing::MakeBmp(spec));
+
+  for (bool fromFile : {false, true}) {
+    SCOPED_TRACE(fromFile ? "loaded source" : "the image itself");
+    HostImage original, final;
+    TileRecord params{};
+    {
+      TestHost host(kFilterTessaris, kW, kH, kModeCMYK);
+      host.FillPattern(33);
+      original = host.image();
+      ASSERT_EQ(host.Call(kSelectorParameters), kNoError);
+      auto* record = reinterpret_cast<TileRecord*>(host.effect());
+      record->mode = kTileModeMultiply;
+      record->opacity = 70;
+      if (fromFile) {
+        record->sourceKind = kTileSourceFile;
+        std::snprintf(record->sourcePath, sizeof record->sourcePath, "%s", path.c_str());
+        ASSERT_EQ(host.Call(kSelectorFinish), kNoError);
+        ASSERT_EQ(host.Run(), kNoError);  // the dialog crops it
+        host.image() = original;
+      }
+      ASSERT_EQ(host.Repeat(), kNoError);
+      final = host.image();
+      std::memcpy(&params, host.effect(), sizeof params);
+      ASSERT_EQ(params.sourceKind, fromFile ? kTileSourceFile : kTileSourceImage);
+    }
+    RunSlot slot{};
+    if (fromFile) {
+      Image* loaded = nullptr;
+      ASSERT_EQ(LoadSourceBmp(path.c_str(), &loaded, kModeCMYK), kSourceFileOk);
+      gTileState.loadedSource.reset(loaded);
+      slot.loadedSource = loaded;
+    }
+    Owned source(
+        ImageCreate(kImageCMYK32, kW, kH, 0, 0, kStorageOptionOneCell, nullptr, nullptr));
+    for (int32_t y = 0; y < kH; ++y)
+      for (int32_t x = 0; x < kW * 4; ++x)
+        ImagePixelAddress(source.get(), 0, y)[x] =
+            uint8_t(255 - original.pixels[size_t(y) * kW * 4 + size_t(x)]);
+    Owned before(ImageDuplicate(source.get()));
+    FilterRecord record{};
+    record.filterRect = Rect16{0, 0, kH, kW};
+    record.imageMode = kModeCMYK;
+    record.planes = 4;
+    ASSERT_EQ(TileSetup(&record, &params, &slot), kNoError);
+    ASSERT_EQ(MakeTile(1, &record, &params, source.get()), kNoError);
+    Owned result(ImageSameFormat(source.get(), kW, kH));
+    ASSERT_EQ(TilePreviewRender(result.get(), source.get(), 1.0), kNoError);
+    for (int32_t y = 0; y < kH; ++y)
+      for (int32_t x = 0; x < kW * 4; ++x) {
+        ASSERT_EQ(ImagePixelAddress(result.get(), 0, y)[x],
+                  255 - final.pixels[size_t(y) * kW * 4 + size_t(x)])
+            << x / 4 << "," << y << " plane " << x % 4;
+        ASSERT_EQ(ImagePixelAddress(source.get(), 0, y)[x],
+                  ImagePixelAddress(before.get(), 0, y)[x])
+            << "the source is left as it was";
+      }
+    TileResetState();
+  }
 }
 
 // Save Tile writes the tile the right way up: read back, its corner is the
