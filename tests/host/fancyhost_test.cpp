@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "params_file.h"
 #include "run_fancyhost.h"
 #include "support/temp_dir.h"
 
@@ -204,6 +205,20 @@ TEST_F(Fancyhost, ParamsRepeatWithoutDialogAndRefuseForeignOrDamagedFiles) {
   EXPECT_TRUE(Contains(bad.err, "damaged")) << bad.err;
   EXPECT_FALSE(Exists(dir.File("d.png")));
 
+  // A block headed as another effect's, its checksum made good.
+  const std::string saved = fancy::testing::TempDir::Read(params);
+  ParamsBlock block;
+  std::string error;
+  ASSERT_TRUE(DecodeParams(reinterpret_cast<const uint8_t*>(saved.data()), saved.size(), &block,
+                           &error)) << error;
+  block.bytes[0] = 201;
+  std::vector<uint8_t> relabelled = EncodeParams(block);
+  std::string headed = dir.Write("headed.params", std::string(relabelled.begin(), relabelled.end()));
+  RunResult wrongHead = Run({"apply", "brushka", in, dir.File("d.png"), "--params", headed,
+                             "--no-dialog"});
+  EXPECT_EQ(wrongHead.exitCode, 3) << wrongHead.err;
+  EXPECT_TRUE(Contains(wrongHead.err, "not headed as Paint Brushka's")) << wrongHead.err;
+
   // Without a parameters block there is nothing to repeat.
   RunResult none = Run({"apply", "brushka", in, dir.File("e.png"), "--no-dialog"});
   EXPECT_EQ(none.exitCode, 2) << none.err;
@@ -214,9 +229,10 @@ TEST_F(Fancyhost, ParamsRepeatWithoutDialogAndRefuseForeignOrDamagedFiles) {
 // call has been seen.
 TEST_F(Fancyhost, CtrlCCancelsWithTheModulesCodeAndWritesNothing) {
   std::string in = Picture("tall.png", PixelMode::kRGB, 64, 2000);
-  std::string out = dir.File("out.png");
+  std::string out = dir.File("out.png"), params = dir.File("cancelled.params");
   bool sent = false;
-  RunResult r = RunFancyhost({"apply", "brushka", in, out, "--trace"}, dir.File("home"),
+  RunResult r = RunFancyhost({"apply", "brushka", in, out, "--trace", "--params", params},
+                             dir.File("home"),
                              {{"FANCYHOST_TEST_STEP_DELAY_MS", "5"}},
                              [&](const std::string& line, int pid) {
                                if (!sent && line == "call 4 result 0") {
@@ -229,6 +245,42 @@ TEST_F(Fancyhost, CtrlCCancelsWithTheModulesCodeAndWritesNothing) {
   EXPECT_TRUE(Contains(r.out, "result -128")) << r.out;
   EXPECT_TRUE(Contains(r.out, "call 5 result")) << "finish is still called\n" << r.out;
   EXPECT_FALSE(Exists(out));
+  EXPECT_FALSE(Exists(params));
+}
+
+// Failed runs with --params: a block the run made is gone with it and is
+// never saved; a block loaded from the file survives, the file is left as
+// it was, and it repeats as well as before. (Under the sanitizers a freed
+// block read or a block lost fails the run's exit code.)
+TEST_F(Fancyhost, FailedRunsNeverWriteTheParametersFile) {
+  std::string in = Picture("in.png", PixelMode::kRGB, 64, 64);
+  std::string small = Picture("small.png", PixelMode::kRGB, 40, 40);  // under 50 pixels
+  const std::string fresh = dir.File("fresh.params");
+  for (const char* effect : {"glass", "knurl"})  // no selection
+    EXPECT_EQ(Run({"apply", effect, in, dir.File("o.png"), "--params", fresh, "--quiet"}).exitCode, 1)
+        << effect;
+  RunResult tooSmall = Run({"apply", "tessaris", small, dir.File("o.png"), "--params", fresh});
+  EXPECT_EQ(tooSmall.exitCode, 130) << tooSmall.err;
+  EXPECT_FALSE(Exists(fresh));
+  EXPECT_FALSE(Exists(dir.File("o.png")));
+
+  const std::string kept = dir.File("kept.params");
+  RunResult first = Run({"apply", "tessaris", in, dir.File("first.png"), "--params", kept,
+                         "--group", "p31m", "--quiet"});
+  ASSERT_EQ(first.exitCode, 0) << first.err;
+  const std::string saved = fancy::testing::TempDir::Read(kept);
+  for (const std::vector<std::string>& extra :
+       {std::vector<std::string>{}, {"--no-dialog"}, {"--opacity", "50"}}) {
+    std::vector<std::string> args = {"apply", "tessaris", small, dir.File("o.png"), "--params", kept};
+    args.insert(args.end(), extra.begin(), extra.end());
+    RunResult r = Run(args);
+    EXPECT_EQ(r.exitCode, 130) << r.err;
+    EXPECT_EQ(fancy::testing::TempDir::Read(kept), saved);
+  }
+  RunResult repeat = Run({"apply", "tessaris", in, dir.File("repeat.png"), "--params", kept,
+                          "--no-dialog", "--quiet"});
+  ASSERT_EQ(repeat.exitCode, 0) << repeat.err;
+  EXPECT_EQ(ReadPicture(dir.File("repeat.png")).pixels, ReadPicture(dir.File("first.png")).pixels);
 }
 
 TEST_F(Fancyhost, SetupMakesTheConfigurationFolder) {
