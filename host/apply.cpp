@@ -173,6 +173,15 @@ int RunApply(const ApplyOptions& o) {
     std::string dir = DefaultSetupDir();
     if (!SetupConfig(dir, &error)) return Say(kExitFile, "cannot set up %s: %s", dir.c_str(), error.c_str());
     if (!o.quiet) Say(0, "set up the configuration folder %s", dir.c_str());
+  } else {
+    std::string root;
+    std::vector<std::string> added;
+    if (!UpdateConfig(&root, &added, &error))
+      return Say(kExitFile, "cannot bring %s up to date: %s", root.c_str(), error.c_str());
+    std::string names;
+    for (const std::string& name : added) names += (names.empty() ? "" : ", ") + name;
+    if (!added.empty() && !o.quiet)
+      Say(0, "added to the configuration folder %s what it lacked: %s", root.c_str(), names.c_str());
   }
 
   const bool haveParamsFile = !o.paramsPath.empty() && FileExists(o.paramsPath.c_str());

@@ -303,6 +303,46 @@ TEST_F(Fancyhost, SetupMakesTheConfigurationFolder) {
   EXPECT_TRUE(Exists(other.path() + "/Tavin/Fancy/Config/tavinapp.ini"));
 }
 
+// A folder set up by an earlier fancyhost, which shipped tavinapp.ini only,
+// gets the files shipped since on the next apply; a file the user has is
+// theirs, edited or not.
+TEST_F(Fancyhost, ApplyAddsWhatAnOlderFolderLacksAndKeepsTheUsersFiles) {
+  using fancy::testing::TempDir;
+  ASSERT_EQ(Run({"setup"}).exitCode, 0);
+  const std::string root = dir.File("home/Tavin/Fancy/"), data = FANCY_SOURCE_DIR "/data/";
+  std::filesystem::remove_all(root + "Plugins");
+  std::filesystem::remove(root + "Config/Color.ini");
+  const std::string app = TempDir::Read(root + "Config/tavinapp.ini");
+  const std::pair<std::string, std::string> shipped[] = {
+      {"config/Color.ini", "Config/Color.ini"},
+      {"plugins/brushka.ini", "Plugins/brushka.ini"},
+      {"plugins/brushes/round-soft.bmp", "Plugins/brushes/round-soft.bmp"},
+      {"plugins/brushes/palette-knife.bmp", "Plugins/brushes/palette-knife.bmp"}};
+
+  std::string in = Picture("in.png", PixelMode::kRGB, 64, 64);
+  RunResult r = Run({"apply", "tessaris", in, dir.File("o.png")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_TRUE(Contains(r.err, "Plugins/brushka.ini")) << "the user is told\n" << r.err;
+  for (const auto& [from, to] : shipped) {
+    ASSERT_TRUE(Exists(root + to)) << to;
+    EXPECT_EQ(TempDir::Read(root + to), TempDir::Read(data + from)) << to;
+  }
+  EXPECT_EQ(TempDir::Read(root + "Config/tavinapp.ini"), app) << "nothing else is written";
+
+  const std::string edited = TempDir::Read(root + "Plugins/brushka.ini") + "\n[Mine]\nDensity=7\n";
+  dir.Write("home/Tavin/Fancy/Plugins/brushka.ini", edited);
+  std::filesystem::remove(root + "Plugins/brushes/spatter.bmp");
+  r = Run({"apply", "tessaris", in, dir.File("o.png")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(TempDir::Read(root + "Plugins/brushka.ini"), edited);
+  EXPECT_TRUE(Exists(root + "Plugins/brushes/spatter.bmp"));
+  EXPECT_FALSE(Contains(r.err, "brushka.ini")) << r.err;
+
+  r = Run({"apply", "tessaris", in, dir.File("o.png")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_FALSE(Contains(r.err, "lacked")) << "nothing to add\n" << r.err;
+}
+
 TEST_F(Fancyhost, ListsTheModulesEffects) {
   RunResult r = Run({"list"});
   ASSERT_EQ(r.exitCode, 0) << r.err;
