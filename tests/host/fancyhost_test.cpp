@@ -95,6 +95,8 @@ TEST_F(Fancyhost, UsageErrorsExit2) {
       {"apply", "brushka", in, dir.File("o.png"), "--foreground", "1,2,300"},
       {"apply", "brushka", in, dir.File("o.png"), "--mode", "lab"},
       {"apply", "brushka", in, dir.File("o.png"), "--bogus"},
+      {"sample", dir.File("o.png"), "--mask-feather", "12"},  // no selection to feather
+      {"sample", dir.File("o.png"), "--mask", dir.File("m.png"), "--mask-feather", "101"},
       {"frobnicate"},
   };
   for (const auto& args : lines) {
