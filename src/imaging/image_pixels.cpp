@@ -4,17 +4,11 @@
 #include <cstring>
 
 #include "imaging/bit_copy.h"
+#include "imaging/composite.h"
 #include "imaging/image.h"
 #include "imaging/tile_walk.h"
 
 namespace fancy {
-
-struct DrawContext;
-
-// The compositor's one merge call; masked and non-Normal writes go through it.
-int CompositeImage(DrawContext* context, Image* dst, int32_t dstX, int32_t dstY, int32_t dstWidth,
-                   int32_t dstHeight, const Rect* dstRect, Image* src, int32_t srcX, int32_t srcY,
-                   int32_t srcWidth, int32_t srcHeight, const Rect* srcRect, uint32_t mode);
 
 namespace {
 

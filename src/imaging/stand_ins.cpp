@@ -1,23 +1,15 @@
-// Stand-ins for two entry points that other parts of the imaging layer own,
-// so that the image model links on its own. Remove each when its owner lands:
-// CompositeImage comes with the compositor, PaletteLookupFree with the
-// palette lookup of image conversion.
+// Stand-ins for the entry points of the drawing library that a DrawContext
+// frees with itself, so that the compositor links before the drawing code
+// exists. Remove each when its owner lands. Until then nothing makes these
+// objects, so a context never holds one.
 #include <cstdlib>
 
-#include "imaging/image.h"
+#include "imaging/draw_context.h"
 
 namespace fancy {
 
-struct DrawContext;
-
-// Until the compositor exists, a masked or non-Normal write cannot be done:
-// it fails without touching the destination.
-int CompositeImage(DrawContext*, Image*, int32_t, int32_t, int32_t, int32_t, const Rect*, Image*,
-                   int32_t, int32_t, int32_t, int32_t, const Rect*, uint32_t) {
-  return 0;
-}
-
-// Nothing builds a lookup yet, so a palette never holds one.
-void PaletteLookupFree(PaletteLookup* lookup) { std::free(lookup); }
+void NibFree(Nib* nib) { std::free(nib); }
+void TextureFree(Texture* texture) { std::free(texture); }
+void PaintSpecFree(PaintSpec* paint) { std::free(paint); }
 
 }  // namespace fancy
