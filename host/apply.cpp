@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "effect_module.h"
 #include "exit_codes.h"
@@ -52,6 +53,16 @@ size_t ParamsBlockSize(int32_t filterId) {
   return 0;
 }
 
+// True when a block's head names the effect and its class, as the module
+// heads the blocks it makes; the module would take any other block for
+// another effect's and make a new one in its place.
+bool HeadNames(const uint8_t* bytes, size_t size, int32_t filterId) {
+  if (size < sizeof(EffectHead)) return false;
+  EffectHead head;
+  std::memcpy(&head, bytes, sizeof head);
+  return head.filterId == filterId && head.effectClass == EffectClassOf(filterId);
+}
+
 int LoadParams(const ApplyOptions& o) {
   std::vector<uint8_t> bytes;
   if (!ReadWholeFile(o.paramsPath.c_str(), bytes, 1u << 22))
@@ -68,6 +79,9 @@ int LoadParams(const ApplyOptions& o) {
   if (expected != 0 && block.bytes.size() != expected)
     return Say(kExitFile, "refusing the parameters file %s: it holds %zu bytes, %s needs %zu",
                o.paramsPath.c_str(), block.bytes.size(), EffectName(o.filterId), expected);
+  if (!HeadNames(block.bytes.data(), block.bytes.size(), o.filterId))
+    return Say(kExitFile, "refusing the parameters file %s: its block is not headed as %s's",
+               o.paramsPath.c_str(), EffectName(o.filterId));
   gParameters = MakeParamsHandle(block.bytes);
   if (!gParameters) return Say(kExitFile, "out of memory");
   return kExitSuccess;
@@ -75,11 +89,11 @@ int LoadParams(const ApplyOptions& o) {
 
 int SaveParams(const ApplyOptions& o) {
   size_t size = ParamsBlockSize(o.filterId);
-  if (!gParameters || !*gParameters || size == 0)
+  const auto* data = gParameters ? reinterpret_cast<const uint8_t*>(*gParameters) : nullptr;
+  if (!data || size == 0 || !HeadNames(data, size, o.filterId))
     return Say(kExitFile, "the effect left no parameters to save in %s", o.paramsPath.c_str());
   ParamsBlock block;
   block.filterId = o.filterId;
-  const auto* data = reinterpret_cast<const uint8_t*>(*gParameters);
   block.bytes.assign(data, data + size);
   std::vector<uint8_t> bytes = EncodeParams(block);
   if (!WriteFileAtomic(o.paramsPath.c_str(), bytes.data(), bytes.size()))
@@ -159,6 +173,15 @@ int RunApply(const ApplyOptions& o) {
     std::string dir = DefaultSetupDir();
     if (!SetupConfig(dir, &error)) return Say(kExitFile, "cannot set up %s: %s", dir.c_str(), error.c_str());
     if (!o.quiet) Say(0, "set up the configuration folder %s", dir.c_str());
+  } else {
+    std::string root;
+    std::vector<std::string> added;
+    if (!UpdateConfig(&root, &added, &error))
+      return Say(kExitFile, "cannot bring %s up to date: %s", root.c_str(), error.c_str());
+    std::string names;
+    for (const std::string& name : added) names += (names.empty() ? "" : ", ") + name;
+    if (!added.empty() && !o.quiet)
+      Say(0, "added to the configuration folder %s what it lacked: %s", root.c_str(), names.c_str());
   }
 
   const bool haveParamsFile = !o.paramsPath.empty() && FileExists(o.paramsPath.c_str());
@@ -207,7 +230,10 @@ int RunApply(const ApplyOptions& o) {
   InstallInterruptHandler();
   static intptr_t data = 0;  // the module's data slot
   FilterRunResult run = FilterHostRun(&host, EffectCaller(module, o.filterId), &data);
+  // The block to keep, whatever the outcome: after a failure the record
+  // holds the block handed in again (one the run made is gone with it).
   gParameters = host.record.parameters;
+  FreeParamsHandle(run.replacedParameters);
 
   if (ReliefDialogScript().missing) {
     std::string names;

@@ -185,13 +185,24 @@ bool ParseCommandLine(const std::vector<std::string>& args, CommandLine* line, s
   if (verb == "sample") {
     line->command = Command::kSample;
     std::vector<std::string> positional;
+    bool feathered = false;
     for (size_t i = 1; i < args.size(); ++i) {
-      if (args[i] == "--mask" && i + 1 < args.size()) line->sampleMaskPath = args[++i];
-      else if (!args[i].empty() && args[i][0] == '-') return Fail(error, "unknown option " + args[i]);
-      else positional.push_back(args[i]);
+      if (args[i] == "--mask" && i + 1 < args.size()) {
+        line->sampleMaskPath = args[++i];
+      } else if (args[i] == "--mask-feather" && i + 1 < args.size()) {
+        if (!ParseInt(args[++i], 0, 100, &line->sampleMaskFeather))
+          return Fail(error, "--mask-feather wants 0..100 pixels, got \"" + args[i] + "\"");
+        feathered = true;
+      } else if (!args[i].empty() && args[i][0] == '-') {
+        return Fail(error, "unknown option " + args[i]);
+      } else {
+        positional.push_back(args[i]);
+      }
     }
     if (positional.size() != 1 && positional.size() != 3)
-      return Fail(error, "sample wants OUTPUT [WIDTH HEIGHT] [--mask FILE]");
+      return Fail(error, "sample wants OUTPUT [WIDTH HEIGHT] [--mask FILE [--mask-feather N]]");
+    if (feathered && line->sampleMaskPath.empty())
+      return Fail(error, "--mask-feather is the edge of the selection that --mask draws");
     line->samplePath = positional[0];
     if (positional.size() == 3 &&
         (!ParseInt(positional[1], 16, 8192, &line->sampleWidth) ||
@@ -211,8 +222,9 @@ const char* UsageText() {
       "  about EFFECT [--module PATH]          the effect's about box\n"
       "  setup [DIR]                           create a configuration folder and point the\n"
       "                                        registry stand-in at it\n"
-      "  sample OUTPUT [WIDTH HEIGHT] [--mask FILE]\n"
-      "                                        draw the sample picture (and a selection)\n"
+      "  sample OUTPUT [WIDTH HEIGHT] [--mask FILE [--mask-feather N]]\n"
+      "                                        draw the sample picture (and a selection,\n"
+      "                                        its edges feathered over N pixels)\n"
       "\n"
       "EFFECT is brushka (200), tessaris (201), glass (202) or knurl (203). The module\n"
       "exports entries for Paint Brushka and Tessaris only, and fancyhost loads it for\n"

@@ -39,6 +39,7 @@ struct CommandLine {
   std::string setupDir;    // setup: the folder, empty for the default
   std::string samplePath;  // sample: the file to write
   std::string sampleMaskPath;  // sample --mask: a selection to go with it
+  int32_t sampleMaskFeather = 0;  // sample --mask-feather: its edges' width, 0 hard
   int32_t sampleWidth = 768, sampleHeight = 512;
 };
 

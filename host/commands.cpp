@@ -84,7 +84,7 @@ int RunSample(const CommandLine& line) {
   }
   if (line.sampleMaskPath.empty()) return kExitSuccess;
   FileFormat maskFormat = FormatFromName(line.sampleMaskPath);
-  HostImage mask = DrawSampleMask(line.sampleWidth, line.sampleHeight);
+  HostImage mask = DrawSampleMask(line.sampleWidth, line.sampleHeight, line.sampleMaskFeather);
   if (maskFormat == FileFormat::kUnknown || !EncodePicture(mask, maskFormat, &bytes, &error) ||
       !WriteOutput(line.sampleMaskPath, bytes, &error)) {
     std::fprintf(stderr, "fancyhost: cannot write %s: %s\n", line.sampleMaskPath.c_str(),

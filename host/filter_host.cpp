@@ -331,11 +331,17 @@ FilterRunResult FilterHostRun(FilterHost* host, const EffectCall& call, intptr_t
   }
   gHost = host;
   ProgressBarInit(&host->bar, "fancyhost", host->settings.quiet);
+  char** const handedIn = host->record.parameters;
   auto select = [&](int16_t selector) {
     int16_t result = 0;
     host->inCall = true;
     call(selector, &host->record, data, &result);
     TraceCall(host, selector, result);
+    // A failure before selector 5 ends the run, and the module frees the
+    // block it made for the run but leaves the field as it stands: what the
+    // field holds now is gone. Selector 5 ends the run itself first, so a
+    // block still there after it failed is alive and stays.
+    if (result != 0 && selector != kSelectorFinish) host->record.parameters = handedIn;
     return result;
   };
 
@@ -359,6 +365,7 @@ FilterRunResult FilterHostRun(FilterHost* host, const EffectCall& call, intptr_t
     }
   }
   ProgressBarClear(&host->bar);
+  if (host->record.parameters != handedIn) outcome.replacedParameters = handedIn;
   outcome.result = result;
   outcome.interrupted = Interrupted();
   gHost = nullptr;

@@ -80,12 +80,22 @@ struct FilterRunResult {
   int16_t result = 0;       // the module's code (0 when it succeeded)
   bool hostFailure = false; // the module asked for something the host refused
   bool interrupted = false; // Ctrl-C came during the run
+  // The block the host handed in `parameters` when the module put one of
+  // its own in its place for good (the handed one was another effect's):
+  // the host's to free. Null otherwise.
+  char** replacedParameters = nullptr;
 };
 
 // Runs selectors 1 (unless noDialog), 2, 3, then 4 while a request stands,
 // and 5 when 3 succeeded. data is the module's data slot. The Images of the
 // picture and the selection are made before the first call and destroyed
 // after the last; when they cannot be made nothing is called.
+//
+// `parameters` is taken back after a call of selectors 1 to 4 that fails:
+// the module has freed a block that it made in this run, so the record
+// holds the block the host handed in again (or null), and neither selector 5
+// after a failed continue nor the host sees the freed one. Afterwards the
+// record holds the block the host keeps from then on.
 FilterRunResult FilterHostRun(FilterHost* host, const EffectCall& call, intptr_t* data);
 
 // Serving a request, exposed for tests: fills buffer with rect and planes

@@ -79,4 +79,10 @@ char** MakeParamsHandle(const std::vector<uint8_t>& bytes) {
   return &header->data;
 }
 
+void FreeParamsHandle(char** handle) {
+  if (!handle) return;
+  std::free(*handle);
+  std::free(reinterpret_cast<ParamsHandleHeader*>(handle));
+}
+
 }  // namespace fancy

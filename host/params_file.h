@@ -26,7 +26,9 @@ bool DecodeParams(const uint8_t* data, size_t size, ParamsBlock* block, std::str
 
 // A handle (pointer to pointer) whose data block holds a copy of the bytes,
 // in the module's form: header of the data pointer and the tag "HNDL". The
-// host owns it for the rest of the process.
+// host owns it; the module never frees a block that the host hands it.
 char** MakeParamsHandle(const std::vector<uint8_t>& bytes);
+// Frees a handle of MakeParamsHandle (and nothing else); null does nothing.
+void FreeParamsHandle(char** handle);
 
 }  // namespace fancy

@@ -119,7 +119,7 @@ HostImage DrawSample(int32_t width, int32_t height) {
   return image;
 }
 
-HostImage DrawSampleMask(int32_t width, int32_t height) {
+HostImage DrawSampleMask(int32_t width, int32_t height, int32_t feather) {
   HostImage mask;
   mask.width = width;
   mask.height = height;
@@ -128,12 +128,16 @@ HostImage DrawSampleMask(int32_t width, int32_t height) {
   mask.pixels.resize(size_t(width) * size_t(height));
   const double cx = width * 0.5, cy = height * 0.5;
   const double radius = std::min(width, height) * 0.22, soft = std::max(1.5, radius * 0.04);
+  // Coverage at a signed distance inside an edge.
+  auto cover = [&](double inside) {
+    return feather > 0 ? std::clamp(0.5 + inside / feather, 0.0, 1.0)
+                       : std::clamp(inside / soft, 0.0, 1.0);
+  };
   for (int32_t y = 0; y < height; ++y)
     for (int32_t x = 0; x < width; ++x) {
       double d = std::hypot(x + 0.5 - cx, y + 0.5 - cy);
-      double disc = std::clamp((radius - d) / soft, 0.0, 1.0);
-      double ringDistance = std::abs(d - radius * 1.6) - radius * 0.18;
-      double ring = std::clamp(-ringDistance / soft, 0.0, 1.0);
+      double disc = cover(radius - d);
+      double ring = cover(radius * 0.18 - std::abs(d - radius * 1.6));
       mask.Pixel(x, y)[0] = uint8_t(std::lround(std::max(disc, ring) * 255.0));
     }
   return mask;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "platform/file.h"
 #include "platform/path.h"
@@ -28,16 +29,56 @@ std::string WithSeparator(std::string dir) {
   return dir;
 }
 
-bool CopyIfMissing(const std::string& from, const std::string& to, std::string* error) {
-  if (FileExists(to.c_str())) return true;
-  std::vector<uint8_t> bytes;
-  if (!ReadWholeFile(from.c_str(), bytes)) {
-    *error = "cannot read " + from;
-    return false;
-  }
-  if (!WriteFileAtomic(to.c_str(), bytes.data(), bytes.size())) {
-    *error = "cannot write " + to;
-    return false;
+// '/' between names, as the table below writes them, to the platform's.
+std::string Native(std::string path) {
+  for (char& c : path)
+    if (c == '/') c = kPathSeparator;
+  return path;
+}
+
+// A file that fancyhost ships: where it lies in the data folder, and where
+// it goes in a configuration folder.
+struct ShippedFile {
+  std::string from, to;
+};
+
+std::vector<ShippedFile> ShippedFiles() {
+  std::vector<ShippedFile> files = {
+      {"config/tavinapp.ini", "Config/tavinapp.ini"},
+      {"config/Color.ini", "Config/Color.ini"},
+      // The stroke effect's style file and brushes sit in Plugins, beside Config.
+      {"plugins/brushka.ini", "Plugins/brushka.ini"},
+  };
+  for (const char* brush : kShippedBrushes)
+    files.push_back({std::string("plugins/brushes/") + brush, std::string("Plugins/brushes/") + brush});
+  return files;
+}
+
+// Copies every shipped file that the folder root (with its separator)
+// lacks, making the folders on the way; a file that is there stays as it is,
+// edits and all. The names copied, relative to root, go to installed.
+bool InstallMissingFiles(const std::string& root, std::vector<std::string>* installed,
+                         std::string* error) {
+  const std::string data = WithSeparator(DataDir());
+  for (const ShippedFile& file : ShippedFiles()) {
+    const std::string to = root + Native(file.to);
+    if (FileExists(to.c_str())) continue;
+    const std::string folder = std::filesystem::path(to).parent_path().string();
+    if (!MakeDirectories(folder.c_str())) {
+      *error = "cannot create the folder " + folder;
+      return false;
+    }
+    const std::string from = data + Native(file.from);
+    std::vector<uint8_t> bytes;
+    if (!ReadWholeFile(from.c_str(), bytes)) {
+      *error = "cannot read " + from;
+      return false;
+    }
+    if (!WriteFileAtomic(to.c_str(), bytes.data(), bytes.size())) {
+      *error = "cannot write " + to;
+      return false;
+    }
+    if (installed) installed->push_back(file.to);
   }
   return true;
 }
@@ -76,32 +117,17 @@ bool SetupConfig(const std::string& dirIn, std::string* error) {
     *error = "cannot use the folder " + dirIn;
     return false;
   }
-  const std::string config = WithSeparator(JoinPath(dir, "Config"));
-  const std::string pluginsDir = WithSeparator(JoinPath(dir, "Plugins"));
-  const std::string hostDir = WithSeparator(JoinPath(dir, "Host"));
-  for (const std::string& folder : {config, pluginsDir, hostDir}) {
+  const std::string root = WithSeparator(dir);
+  const std::string config = root + "Config" + kPathSeparator;
+  const std::string hostDir = root + "Host" + kPathSeparator;
+  for (const std::string& folder : {config, root + "Plugins" + kPathSeparator, hostDir}) {
     if (!MakeDirectories(folder.c_str())) {
       *error = "cannot create the folder " + folder;
       return false;
     }
   }
-  const std::string data = JoinPath(DataDir(), "config");
+  if (!InstallMissingFiles(root, nullptr, error)) return false;
   const std::string appIni = config + "tavinapp.ini";
-  if (!CopyIfMissing(JoinPath(data, "tavinapp.ini"), appIni, error) ||
-      !CopyIfMissing(JoinPath(data, "Color.ini"), config + "Color.ini", error))
-    return false;
-  // The stroke effect's style file and brushes sit in Plugins, beside Config.
-  const std::string plugins = JoinPath(DataDir(), "plugins");
-  const std::string brushes = WithSeparator(JoinPath(plugins, "brushes"));
-  if (!CopyIfMissing(JoinPath(plugins, "brushka.ini"), pluginsDir + "brushka.ini", error))
-    return false;
-  if (!MakeDirectories((pluginsDir + "brushes").c_str())) {
-    *error = "cannot create the folder " + pluginsDir + "brushes";
-    return false;
-  }
-  for (const char* brush : kShippedBrushes)
-    if (!CopyIfMissing(brushes + brush, WithSeparator(pluginsDir + "brushes") + brush, error))
-      return false;
   if (!ProfileWriteString("Config", "PixelboxDir", hostDir.c_str(), appIni.c_str())) {
     *error = "cannot write " + appIni;
     return false;
@@ -111,6 +137,19 @@ bool SetupConfig(const std::string& dirIn, std::string* error) {
     return false;
   }
   return true;
+}
+
+bool UpdateConfig(std::string* rootOut, std::vector<std::string>* installed, std::string* error) {
+  std::string config = ConfiguredDir();
+  if (config.empty()) return true;
+  config.pop_back();  // the separator
+  size_t name = config.size();
+  while (name > 0 && !IsPathSeparator(config[name - 1])) --name;
+  if (name == 0 || config.compare(name, std::string::npos, "Config") != 0)
+    return true;  // not a folder that setup made
+  const std::string root = config.substr(0, name);
+  if (rootOut) *rootOut = root;
+  return InstallMissingFiles(root, installed, error);
 }
 
 std::string HostHelpFile() {

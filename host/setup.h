@@ -10,6 +10,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace fancy {
 
@@ -31,6 +32,13 @@ bool ConfigIsSetUp();
 // user's edits are kept: an existing style file or brush stays as it is),
 // writes PixelboxDir and points the registry at it.
 bool SetupConfig(const std::string& dir, std::string* error);
+// Brings the folder that the registry names up to this fancyhost: every
+// shipped file it lacks is copied in, never over a file that is there, so a
+// folder set up by an earlier version gets the files added since. Nothing
+// else is written. Only a folder as setup makes it (DIR/Config) is brought
+// up; root gets DIR with its separator, installed the names copied
+// (relative to DIR, '/' between names).
+bool UpdateConfig(std::string* root, std::vector<std::string>* installed, std::string* error);
 
 // The folder the registry names, with its trailing separator, or "".
 std::string ConfiguredDir();

@@ -1,8 +1,14 @@
 #!/usr/bin/env bash
 # Builds fancyhost and runs each effect on the bundled sample picture
 # (data/samples/lake.jpg, drawn by `fancyhost sample`); the results go to
-# out/demo/. Glass and The Knurl raise the sample's selection
-# (data/samples/lake-mask.png).
+# out/demo/. Glass and The Knurl raise the sample's selection, a disc and a
+# ring. Their slopes lie just outside the selected shape and the host keeps
+# the result only where the selection is, so the demo hands them the
+# feathered selection (data/samples/lake-mask-soft.png, drawn by
+# `fancyhost sample lake.jpg 640 426 --mask lake-mask-soft.png --mask-feather 24`):
+# half of its 24-pixel edge lies outside the shape and keeps part of the
+# slopes. Through the hard-edged one (lake-mask.png) they show little more
+# than a tint.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 build="$here/build"
@@ -15,7 +21,7 @@ mkdir -p "$out"
 export XDG_CONFIG_HOME="$out/config"
 fancyhost="$build/bin/fancyhost"
 sample="$here/data/samples/lake.jpg"
-mask="$here/data/samples/lake-mask.png"
+mask="$here/data/samples/lake-mask-soft.png"
 cp "$sample" "$out/original.jpg"
 
 ran=0
@@ -31,9 +37,9 @@ run() {
   fi
 }
 run brushka
-run tessaris
-run glass --mask "$mask"
-run knurl --mask "$mask"
+run tessaris --group p6m
+run glass --mask "$mask" --preset Wet
+run knurl --mask "$mask" --preset "Mesa Dropoff"
 
 echo "demo: $ran effects ran, $failed did not; results in $out"
 [ "$ran" -gt 0 ]

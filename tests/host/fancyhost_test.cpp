@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "params_file.h"
 #include "run_fancyhost.h"
 #include "support/temp_dir.h"
 
@@ -94,6 +95,8 @@ TEST_F(Fancyhost, UsageErrorsExit2) {
       {"apply", "brushka", in, dir.File("o.png"), "--foreground", "1,2,300"},
       {"apply", "brushka", in, dir.File("o.png"), "--mode", "lab"},
       {"apply", "brushka", in, dir.File("o.png"), "--bogus"},
+      {"sample", dir.File("o.png"), "--mask-feather", "12"},  // no selection to feather
+      {"sample", dir.File("o.png"), "--mask", dir.File("m.png"), "--mask-feather", "101"},
       {"frobnicate"},
   };
   for (const auto& args : lines) {
@@ -204,6 +207,20 @@ TEST_F(Fancyhost, ParamsRepeatWithoutDialogAndRefuseForeignOrDamagedFiles) {
   EXPECT_TRUE(Contains(bad.err, "damaged")) << bad.err;
   EXPECT_FALSE(Exists(dir.File("d.png")));
 
+  // A block headed as another effect's, its checksum made good.
+  const std::string saved = fancy::testing::TempDir::Read(params);
+  ParamsBlock block;
+  std::string error;
+  ASSERT_TRUE(DecodeParams(reinterpret_cast<const uint8_t*>(saved.data()), saved.size(), &block,
+                           &error)) << error;
+  block.bytes[0] = 201;
+  std::vector<uint8_t> relabelled = EncodeParams(block);
+  std::string headed = dir.Write("headed.params", std::string(relabelled.begin(), relabelled.end()));
+  RunResult wrongHead = Run({"apply", "brushka", in, dir.File("d.png"), "--params", headed,
+                             "--no-dialog"});
+  EXPECT_EQ(wrongHead.exitCode, 3) << wrongHead.err;
+  EXPECT_TRUE(Contains(wrongHead.err, "not headed as Paint Brushka's")) << wrongHead.err;
+
   // Without a parameters block there is nothing to repeat.
   RunResult none = Run({"apply", "brushka", in, dir.File("e.png"), "--no-dialog"});
   EXPECT_EQ(none.exitCode, 2) << none.err;
@@ -214,9 +231,10 @@ TEST_F(Fancyhost, ParamsRepeatWithoutDialogAndRefuseForeignOrDamagedFiles) {
 // call has been seen.
 TEST_F(Fancyhost, CtrlCCancelsWithTheModulesCodeAndWritesNothing) {
   std::string in = Picture("tall.png", PixelMode::kRGB, 64, 2000);
-  std::string out = dir.File("out.png");
+  std::string out = dir.File("out.png"), params = dir.File("cancelled.params");
   bool sent = false;
-  RunResult r = RunFancyhost({"apply", "brushka", in, out, "--trace"}, dir.File("home"),
+  RunResult r = RunFancyhost({"apply", "brushka", in, out, "--trace", "--params", params},
+                             dir.File("home"),
                              {{"FANCYHOST_TEST_STEP_DELAY_MS", "5"}},
                              [&](const std::string& line, int pid) {
                                if (!sent && line == "call 4 result 0") {
@@ -229,6 +247,42 @@ TEST_F(Fancyhost, CtrlCCancelsWithTheModulesCodeAndWritesNothing) {
   EXPECT_TRUE(Contains(r.out, "result -128")) << r.out;
   EXPECT_TRUE(Contains(r.out, "call 5 result")) << "finish is still called\n" << r.out;
   EXPECT_FALSE(Exists(out));
+  EXPECT_FALSE(Exists(params));
+}
+
+// Failed runs with --params: a block the run made is gone with it and is
+// never saved; a block loaded from the file survives, the file is left as
+// it was, and it repeats as well as before. (Under the sanitizers a freed
+// block read or a block lost fails the run's exit code.)
+TEST_F(Fancyhost, FailedRunsNeverWriteTheParametersFile) {
+  std::string in = Picture("in.png", PixelMode::kRGB, 64, 64);
+  std::string small = Picture("small.png", PixelMode::kRGB, 40, 40);  // under 50 pixels
+  const std::string fresh = dir.File("fresh.params");
+  for (const char* effect : {"glass", "knurl"})  // no selection
+    EXPECT_EQ(Run({"apply", effect, in, dir.File("o.png"), "--params", fresh, "--quiet"}).exitCode, 1)
+        << effect;
+  RunResult tooSmall = Run({"apply", "tessaris", small, dir.File("o.png"), "--params", fresh});
+  EXPECT_EQ(tooSmall.exitCode, 130) << tooSmall.err;
+  EXPECT_FALSE(Exists(fresh));
+  EXPECT_FALSE(Exists(dir.File("o.png")));
+
+  const std::string kept = dir.File("kept.params");
+  RunResult first = Run({"apply", "tessaris", in, dir.File("first.png"), "--params", kept,
+                         "--group", "p31m", "--quiet"});
+  ASSERT_EQ(first.exitCode, 0) << first.err;
+  const std::string saved = fancy::testing::TempDir::Read(kept);
+  for (const std::vector<std::string>& extra :
+       {std::vector<std::string>{}, {"--no-dialog"}}) {
+    std::vector<std::string> args = {"apply", "tessaris", small, dir.File("o.png"), "--params", kept};
+    args.insert(args.end(), extra.begin(), extra.end());
+    RunResult r = Run(args);
+    EXPECT_EQ(r.exitCode, 130) << r.err;
+    EXPECT_EQ(fancy::testing::TempDir::Read(kept), saved);
+  }
+  RunResult repeat = Run({"apply", "tessaris", in, dir.File("repeat.png"), "--params", kept,
+                          "--no-dialog", "--quiet"});
+  ASSERT_EQ(repeat.exitCode, 0) << repeat.err;
+  EXPECT_EQ(ReadPicture(dir.File("repeat.png")).pixels, ReadPicture(dir.File("first.png")).pixels);
 }
 
 TEST_F(Fancyhost, SetupMakesTheConfigurationFolder) {
@@ -249,6 +303,42 @@ TEST_F(Fancyhost, SetupMakesTheConfigurationFolder) {
   RunResult first = RunFancyhost({"apply", "tessaris", in, dir.File("o.png")}, other.path());
   ASSERT_EQ(first.exitCode, 0) << first.err;
   EXPECT_TRUE(Exists(other.path() + "/Tavin/Fancy/Config/tavinapp.ini"));
+}
+
+// A folder set up by an earlier fancyhost, which shipped tavinapp.ini only,
+// gets the files shipped since on the next apply; a file the user has is
+// theirs, edited or not.
+TEST_F(Fancyhost, ApplyAddsWhatAnOlderFolderLacksAndKeepsTheUsersFiles) {
+  using fancy::testing::TempDir;
+  ASSERT_EQ(Run({"setup"}).exitCode, 0);
+  const std::string root = dir.File("home/Tavin/Fancy/"), data = FANCY_SOURCE_DIR "/data/";
+  std::filesystem::remove_all(root + "Plugins");
+  std::filesystem::remove(root + "Config/Color.ini");
+  const std::string app = TempDir::Read(root + "Config/tavinapp.ini");
+  const std::pair<std::string, std::string> shipped[] = {
+      {"config/Color.ini", "Config/Color.ini"},
+      {"plugins/brushka.ini", "Plugins/brushka.ini"},
+      {"plugins/brushes/round-soft.bmp", "Plugins/brushes/round-soft.bmp"},
+      {"plugins/brushes/palette-knife.bmp", "Plugins/brushes/palette-knife.bmp"}};
+
+  std::string in = Picture("in.png", PixelMode::kRGB, 64, 64);
+  RunResult r = Run({"apply", "tessaris", in, dir.File("o.png")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_TRUE(Contains(r.err, "Plugins/brushka.ini")) << "the user is told\n" << r.err;
+  for (const auto& [from, to] : shipped) {
+    ASSERT_TRUE(Exists(root + to)) << to;
+    EXPECT_EQ(TempDir::Read(root + to), TempDir::Read(data + from)) << to;
+  }
+  EXPECT_EQ(TempDir::Read(root + "Config/tavinapp.ini"), app) << "nothing else is written";
+
+  const std::string edited = TempDir::Read(root + "Plugins/brushka.ini") + "\n[Mine]\nDensity=7\n";
+  dir.Write("home/Tavin/Fancy/Plugins/brushka.ini", edited);
+  std::filesystem::remove(root + "Plugins/brushes/spatter.bmp");
+  r = Run({"apply", "tessaris", in, dir.File("o.png")});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  EXPECT_EQ(TempDir::Read(root + "Plugins/brushka.ini"), edited);
+  EXPECT_TRUE(Exists(root + "Plugins/brushes/spatter.bmp"));
+  EXPECT_FALSE(Contains(r.err, "brushka.ini")) << r.err;
 }
 
 TEST_F(Fancyhost, ListsTheModulesEffects) {

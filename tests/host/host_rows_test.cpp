@@ -129,8 +129,7 @@ TEST(ParamsFile, RoundTripsAndRefusesDamage) {
   ASSERT_NE(handle, nullptr);
   EXPECT_EQ(std::vector<uint8_t>(*handle, *handle + 300), block.bytes);
   EXPECT_EQ(std::string(reinterpret_cast<char*>(handle) + sizeof(char*), 4), "HNDL");
-  std::free(*handle);
-  std::free(handle);
+  FreeParamsHandle(handle);
 }
 
 }  // namespace

@@ -106,5 +106,50 @@ TEST_F(ReliefHost, PresetChoosesAStyleAsTheListWould) {
   EXPECT_FALSE(Exists(out));
 }
 
+// The sample's feathered selection raises the same shape as its hard one
+// (above half where the hard one is full, at most half where it is empty),
+// its edges fall over the width asked for, and through it the effect is
+// kept partly outside the shape, where its slopes lie.
+TEST_F(ReliefHost, FeatheredSampleSelectionKeepsTheSlopesOutsideTheShape) {
+  constexpr int32_t kW = 240, kH = 180, kFeather = 12;
+  const std::string in = dir.File("in.png"), hard = dir.File("hard.png"), soft = dir.File("soft.png");
+  ASSERT_EQ(Run({"sample", in, "240", "180", "--mask", hard}).exitCode, 0);
+  RunResult drawn = Run({"sample", in, "240", "180", "--mask", soft, "--mask-feather", "12"});
+  ASSERT_EQ(drawn.exitCode, 0) << drawn.err;
+  const FilePicture h = ReadPicture(hard), s = ReadPicture(soft);
+  ASSERT_EQ(s.mode, PixelMode::kGrey);
+  ASSERT_EQ(s.pixels.size(), size_t(kW * kH));
+  for (size_t i = 0; i < s.pixels.size(); ++i) {
+    if (h.pixels[i] == 255) {
+      ASSERT_GE(s.pixels[i], 128) << "pixel " << i;
+    } else if (h.pixels[i] == 0) {
+      ASSERT_LE(s.pixels[i], 128) << "pixel " << i;
+    }
+  }
+  // From the centre to the right, across the disc's edge: full, a falling
+  // ramp of kFeather pixels, then nothing (the gap before the ring).
+  const uint8_t* row = s.pixels.data() + size_t(kH / 2) * kW;
+  int32_t x = kW / 2;
+  while (x < kW && row[x] == 255) ++x;
+  const int32_t rampStart = x;
+  for (; x < kW && row[x] > 0; ++x) ASSERT_LT(row[x], row[x - 1]) << "x " << x;
+  EXPECT_NEAR(x - rampStart, kFeather, 1);
+
+  const std::string out = dir.File("out.png");
+  RunResult r = Run({"apply", "knurl", in, out, "--mask", soft, "--preset", "Mesa Dropoff", "--quiet"});
+  ASSERT_EQ(r.exitCode, 0) << r.err;
+  const FilePicture before = ReadPicture(in), after = ReadPicture(out);
+  int32_t keptOutside = 0;
+  for (size_t i = 0; i < before.pixels.size(); ++i) {
+    const size_t at = i / 3;
+    if (s.pixels[at] == 0) {
+      ASSERT_EQ(after.pixels[i], before.pixels[i]) << "byte " << i;
+    } else if (h.pixels[at] == 0) {
+      keptOutside += after.pixels[i] != before.pixels[i];
+    }
+  }
+  EXPECT_GT(keptOutside, 1000);
+}
+
 }  // namespace
 }  // namespace fancy
