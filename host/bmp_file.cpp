@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "bytes.h"
+#include "platform/byte_order.h"
 
 namespace fancy {
 
@@ -28,14 +28,14 @@ bool LooksLikeBmp(const uint8_t* data, size_t size) {
 bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::string* error) {
   if (!LooksLikeBmp(data, size)) return Fail(error, "not a BMP file");
   if (size < kFileHeaderSize + 4) return Fail(error, "the BMP file is truncated in its header");
-  uint32_t fileSize = GetLE32(data + 2);
-  uint32_t pixelOffset = GetLE32(data + 10);
+  uint32_t fileSize = LoadLE32(data + 2);
+  uint32_t pixelOffset = LoadLE32(data + 10);
   if (fileSize != 0 && fileSize > size)
     return Fail(error, "the BMP file is truncated: its header gives " + std::to_string(fileSize) +
                            " bytes, the file has " + std::to_string(size));
 
   const uint8_t* dib = data + kFileHeaderSize;
-  uint32_t headerSize = GetLE32(dib);
+  uint32_t headerSize = LoadLE32(dib);
   if (headerSize != kCoreHeaderSize && headerSize < kInfoHeaderSize)
     return Fail(error, "the BMP header has an unknown size (" + std::to_string(headerSize) + ")");
   if (headerSize > size - kFileHeaderSize)
@@ -45,19 +45,19 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
   uint32_t bits, compression = kCompressionNone, coloursUsed = 0;
   uint32_t paletteEntryBytes;
   if (headerSize == kCoreHeaderSize) {
-    width = GetLE16(dib + 4);
-    height = GetLE16(dib + 6);
-    bits = GetLE16(dib + 10);
+    width = LoadLE16(dib + 4);
+    height = LoadLE16(dib + 6);
+    bits = LoadLE16(dib + 10);
     paletteEntryBytes = 3;
   } else {
-    width = int32_t(GetLE32(dib + 4));
-    height = int32_t(GetLE32(dib + 8));
-    bits = GetLE16(dib + 14);
-    compression = GetLE32(dib + 16);
-    coloursUsed = GetLE32(dib + 32);
+    width = int32_t(LoadLE32(dib + 4));
+    height = int32_t(LoadLE32(dib + 8));
+    bits = LoadLE16(dib + 14);
+    compression = LoadLE32(dib + 16);
+    coloursUsed = LoadLE32(dib + 32);
     paletteEntryBytes = 4;
   }
-  if (GetLE16(dib + (headerSize == kCoreHeaderSize ? 8 : 12)) != 1)
+  if (LoadLE16(dib + (headerSize == kCoreHeaderSize ? 8 : 12)) != 1)
     return Fail(error, "the BMP header is damaged (planes is not 1)");
   if (compression == kCompressionRle8 || compression == kCompressionRle4)
     return Fail(error, "run-length compressed BMP files are not supported; save it uncompressed");
@@ -160,21 +160,21 @@ std::vector<uint8_t> EncodeBmp(const FilePicture& picture) {
 
   out.push_back('B');
   out.push_back('M');
-  PutLE32(out, uint32_t(total));
-  PutLE32(out, 0);
-  PutLE32(out, uint32_t(pixelOffset));
+  AppendLE32(out, uint32_t(total));
+  AppendLE32(out, 0);
+  AppendLE32(out, uint32_t(pixelOffset));
 
-  PutLE32(out, kInfoHeaderSize);
-  PutLE32(out, uint32_t(picture.width));
-  PutLE32(out, uint32_t(picture.height));  // bottom-up
-  PutLE16(out, 1);
-  PutLE16(out, uint16_t(bits));
-  PutLE32(out, kCompressionNone);
-  PutLE32(out, uint32_t(stride * uint64_t(picture.height)));
-  PutLE32(out, 2835);  // 72 dots an inch
-  PutLE32(out, 2835);
-  PutLE32(out, grey ? 256 : 0);
-  PutLE32(out, 0);
+  AppendLE32(out, kInfoHeaderSize);
+  AppendLE32(out, uint32_t(picture.width));
+  AppendLE32(out, uint32_t(picture.height));  // bottom-up
+  AppendLE16(out, 1);
+  AppendLE16(out, uint16_t(bits));
+  AppendLE32(out, kCompressionNone);
+  AppendLE32(out, uint32_t(stride * uint64_t(picture.height)));
+  AppendLE32(out, 2835);  // 72 dots an inch
+  AppendLE32(out, 2835);
+  AppendLE32(out, grey ? 256 : 0);
+  AppendLE32(out, 0);
   if (grey) {
     for (uint32_t i = 0; i < 256; ++i) {
       out.push_back(uint8_t(i));

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/block.h"
+#include "platform/byte_order.h"
 
 namespace fancy {
 
@@ -14,12 +15,6 @@ constexpr int32_t kShortInfoHeader = 12;
 constexpr long kTableOffset = 54;  // where the table is read, whatever the header says
 constexpr uint32_t kMaxTableEntries = 256;
 constexpr int32_t kMinSpareBytes = 1024;
-
-uint16_t U16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | (p[1] << 8)); }
-uint32_t U32(const uint8_t* p) {
-  return static_cast<uint32_t>(p[0]) | (static_cast<uint32_t>(p[1]) << 8) |
-         (static_cast<uint32_t>(p[2]) << 16) | (static_cast<uint32_t>(p[3]) << 24);
-}
 
 // Closes the file on every path.
 struct FileCloser {
@@ -49,15 +44,15 @@ int32_t BrushMaskLoad(const char* path, BrushMask* mask) {
   uint8_t head[kFileHeaderBytes + 4];
   if (!ReadExactly(file, head, sizeof head) || head[0] != 'B' || head[1] != 'M') return -1;
   // The short form has no table to read, so it never counts as grey.
-  if (U32(head + kFileHeaderBytes) == kShortInfoHeader) return -1;
+  if (LoadLE32(head + kFileHeaderBytes) == kShortInfoHeader) return -1;
   uint8_t info[36];
   if (!ReadExactly(file, info, sizeof info)) return -1;
-  const int16_t width = static_cast<int16_t>(U16(info + 0));
-  const int16_t height = static_cast<int16_t>(U16(info + 4));
-  const uint16_t planes = U16(info + 8);
-  const uint16_t bitCount = U16(info + 10);
-  const uint32_t compression = U32(info + 12);
-  const uint32_t coloursUsed = U32(info + 28);
+  const int16_t width = static_cast<int16_t>(LoadLE16(info + 0));
+  const int16_t height = static_cast<int16_t>(LoadLE16(info + 4));
+  const uint16_t planes = LoadLE16(info + 8);
+  const uint16_t bitCount = LoadLE16(info + 10);
+  const uint32_t compression = LoadLE32(info + 12);
+  const uint32_t coloursUsed = LoadLE32(info + 28);
   // Only plain 8-bit rasters are brushes; anything else would be read as
   // bytes that mean something other than coverage.
   if (planes != 1 || bitCount != 8 || compression != 0) return -1;

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "frame/host_record.h"
+#include "platform/byte_order.h"
 #include "tile/source_convert.h"
 #include "tile/source_file.h"
 #include "tile/tile_work.h"
@@ -37,14 +38,14 @@ bool ReadBytes(std::FILE* file, uint8_t* out, size_t count) {
 bool ReadU16(std::FILE* file, uint16_t* value) {
   uint8_t b[2];
   if (!ReadBytes(file, b, 2)) return false;
-  *value = static_cast<uint16_t>(b[0] | b[1] << 8);
+  *value = LoadLE16(b);
   return true;
 }
 
 bool ReadU32(std::FILE* file, uint32_t* value) {
   uint8_t b[4];
   if (!ReadBytes(file, b, 4)) return false;
-  *value = uint32_t{b[0]} | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 | uint32_t{b[3]} << 24;
+  *value = LoadLE32(b);
   return true;
 }
 

@@ -2,24 +2,11 @@
 // as the picture holds them. The file is replaced whole or not at all.
 #include <vector>
 
+#include "platform/byte_order.h"
 #include "platform/file.h"
 #include "tile/source_file.h"
 
 namespace fancy {
-
-namespace {
-
-void PutU16(std::vector<uint8_t>& out, uint32_t v) {
-  out.push_back(static_cast<uint8_t>(v));
-  out.push_back(static_cast<uint8_t>(v >> 8));
-}
-
-void PutU32(std::vector<uint8_t>& out, uint32_t v) {
-  PutU16(out, v & 0xFFFF);
-  PutU16(out, v >> 16);
-}
-
-}  // namespace
 
 int16_t SaveImageBmp(const Image* image, const char* path) {
   if (!image || !path || image->width <= 0 || image->height <= 0) return kSourceFileReadError;
@@ -40,22 +27,22 @@ int16_t SaveImageBmp(const Image* image, const char* path) {
   const uint32_t offBits = static_cast<uint32_t>(colours * 4 + 54);
   std::vector<uint8_t> out;
   out.reserve(offBits + static_cast<size_t>(imageBytes));
-  PutU16(out, 19778);  // "BM"
-  PutU32(out, static_cast<uint32_t>(imageBytes) + offBits);
-  PutU16(out, 0);
-  PutU16(out, 0);
-  PutU32(out, offBits);
-  PutU32(out, 40);
-  PutU32(out, static_cast<uint32_t>(image->width));
-  PutU32(out, static_cast<uint32_t>(image->height));
-  PutU16(out, 1);  // planes
-  PutU16(out, static_cast<uint32_t>(bitCount));
-  PutU32(out, 0);  // no compression
-  PutU32(out, static_cast<uint32_t>(imageBytes));
-  PutU32(out, 0);  // pixels per metre
-  PutU32(out, 0);
-  PutU32(out, static_cast<uint32_t>(colours));
-  PutU32(out, static_cast<uint32_t>(colours));
+  AppendLE16(out, 19778);  // "BM"
+  AppendLE32(out, static_cast<uint32_t>(imageBytes) + offBits);
+  AppendLE16(out, 0);
+  AppendLE16(out, 0);
+  AppendLE32(out, offBits);
+  AppendLE32(out, 40);
+  AppendLE32(out, static_cast<uint32_t>(image->width));
+  AppendLE32(out, static_cast<uint32_t>(image->height));
+  AppendLE16(out, 1);  // planes
+  AppendLE16(out, static_cast<uint32_t>(bitCount));
+  AppendLE32(out, 0);  // no compression
+  AppendLE32(out, static_cast<uint32_t>(imageBytes));
+  AppendLE32(out, 0);  // pixels per metre
+  AppendLE32(out, 0);
+  AppendLE32(out, static_cast<uint32_t>(colours));
+  AppendLE32(out, static_cast<uint32_t>(colours));
   for (int32_t i = 0; i < colours; ++i) {
     const uint8_t grey = static_cast<uint8_t>(i);
     out.insert(out.end(), {grey, grey, grey, 0});
