@@ -2,15 +2,12 @@
 
 #include <algorithm>
 
+#include "imaging/bmp_header.h"
 #include "platform/byte_order.h"
 
 namespace fancy {
 
 namespace {
-
-constexpr size_t kFileHeaderSize = 14;
-constexpr uint32_t kCoreHeaderSize = 12;
-constexpr uint32_t kInfoHeaderSize = 40;
 
 enum : uint32_t { kCompressionNone = 0, kCompressionRle8 = 1, kCompressionRle4 = 2 };
 
@@ -27,24 +24,24 @@ bool LooksLikeBmp(const uint8_t* data, size_t size) {
 
 bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::string* error) {
   if (!LooksLikeBmp(data, size)) return Fail(error, "not a BMP file");
-  if (size < kFileHeaderSize + 4) return Fail(error, "the BMP file is truncated in its header");
+  if (size < kBmpFileHeaderBytes + 4) return Fail(error, "the BMP file is truncated in its header");
   uint32_t fileSize = LoadLE32(data + 2);
   uint32_t pixelOffset = LoadLE32(data + 10);
   if (fileSize != 0 && fileSize > size)
     return Fail(error, "the BMP file is truncated: its header gives " + std::to_string(fileSize) +
                            " bytes, the file has " + std::to_string(size));
 
-  const uint8_t* dib = data + kFileHeaderSize;
+  const uint8_t* dib = data + kBmpFileHeaderBytes;
   uint32_t headerSize = LoadLE32(dib);
-  if (headerSize != kCoreHeaderSize && headerSize < kInfoHeaderSize)
+  if (headerSize != kBmpCoreHeaderBytes && headerSize < kBmpInfoHeaderBytes)
     return Fail(error, "the BMP header has an unknown size (" + std::to_string(headerSize) + ")");
-  if (headerSize > size - kFileHeaderSize)
+  if (headerSize > size - kBmpFileHeaderBytes)
     return Fail(error, "the BMP file is truncated in its header");
 
   int64_t width, height;
   uint32_t bits, compression = kCompressionNone, coloursUsed = 0;
   uint32_t paletteEntryBytes;
-  if (headerSize == kCoreHeaderSize) {
+  if (headerSize == kBmpCoreHeaderBytes) {
     width = LoadLE16(dib + 4);
     height = LoadLE16(dib + 6);
     bits = LoadLE16(dib + 10);
@@ -57,7 +54,7 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
     coloursUsed = LoadLE32(dib + 32);
     paletteEntryBytes = 4;
   }
-  if (LoadLE16(dib + (headerSize == kCoreHeaderSize ? 8 : 12)) != 1)
+  if (LoadLE16(dib + (headerSize == kBmpCoreHeaderBytes ? 8 : 12)) != 1)
     return Fail(error, "the BMP header is damaged (planes is not 1)");
   if (compression == kCompressionRle8 || compression == kCompressionRle4)
     return Fail(error, "run-length compressed BMP files are not supported; save it uncompressed");
@@ -73,7 +70,7 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
   // The palette sits between the headers and the pixels. Without a count
   // it is as long as the depth allows, or as the room before the pixels
   // (writers of the core form often shorten it).
-  uint64_t paletteStart = kFileHeaderSize + uint64_t(headerSize);
+  uint64_t paletteStart = kBmpFileHeaderBytes + uint64_t(headerSize);
   uint32_t paletteCount = 0;
   if (bits <= 8) {
     uint32_t most = 1u << bits;
@@ -153,28 +150,25 @@ std::vector<uint8_t> EncodeBmp(const FilePicture& picture) {
   const uint32_t bits = grey ? 8 : 24;
   const uint32_t paletteBytes = grey ? 256 * 4 : 0;
   const uint64_t stride = ((uint64_t(picture.width) * bits + 31) / 32) * 4;
-  const uint64_t pixelOffset = kFileHeaderSize + kInfoHeaderSize + paletteBytes;
+  const uint64_t pixelOffset = kBmpFileHeaderBytes + kBmpInfoHeaderBytes + paletteBytes;
   const uint64_t total = pixelOffset + stride * uint64_t(picture.height);
   if (total > 0xFFFFFFFFu) return out;
   out.reserve(size_t(total));
 
-  out.push_back('B');
-  out.push_back('M');
-  AppendLE32(out, uint32_t(total));
-  AppendLE32(out, 0);
-  AppendLE32(out, uint32_t(pixelOffset));
-
-  AppendLE32(out, kInfoHeaderSize);
-  AppendLE32(out, uint32_t(picture.width));
-  AppendLE32(out, uint32_t(picture.height));  // bottom-up
-  AppendLE16(out, 1);
-  AppendLE16(out, uint16_t(bits));
-  AppendLE32(out, kCompressionNone);
-  AppendLE32(out, uint32_t(stride * uint64_t(picture.height)));
-  AppendLE32(out, 2835);  // 72 dots an inch
-  AppendLE32(out, 2835);
-  AppendLE32(out, grey ? 256 : 0);
-  AppendLE32(out, 0);
+  AppendBmpHeaders({.type = kBmpType,
+                    .fileSize = uint32_t(total),
+                    .offBits = uint32_t(pixelOffset),
+                    .headerSize = kBmpInfoHeaderBytes,
+                    .width = picture.width,
+                    .height = picture.height,  // bottom-up
+                    .planes = 1,
+                    .bitCount = uint16_t(bits),
+                    .compression = kCompressionNone,
+                    .imageSize = uint32_t(stride * uint64_t(picture.height)),
+                    .xPelsPerMeter = 2835,  // 72 dots an inch
+                    .yPelsPerMeter = 2835,
+                    .colorsUsed = grey ? 256u : 0u},
+                   out);
   if (grey) {
     for (uint32_t i = 0; i < 256; ++i) {
       out.push_back(uint8_t(i));

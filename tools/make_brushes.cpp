@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/byte_order.h"
+#include "imaging/bmp_header.h"
 #include "platform/crt_random.h"
 #include "platform/file.h"
 #include "platform/path.h"
@@ -160,24 +160,22 @@ Brush PaletteKnife() {
 
 std::vector<uint8_t> EncodeBmp(const Brush& b) {
   const uint32_t table = 256 * 4, data = static_cast<uint32_t>(b.width * b.height);
-  const uint32_t offset = 14 + 40 + table;
+  const uint32_t offset = kBmpFileHeaderBytes + kBmpInfoHeaderBytes + table;
   std::vector<uint8_t> out;
-  out.push_back('B');
-  out.push_back('M');
-  AppendLE32(out, offset + data);
-  AppendLE32(out, 0);
-  AppendLE32(out, offset);
-  AppendLE32(out, 40);
-  AppendLE32(out, static_cast<uint32_t>(b.width));
-  AppendLE32(out, static_cast<uint32_t>(b.height));
-  AppendLE16(out, 1);  // planes
-  AppendLE16(out, 8);  // bits a pixel
-  AppendLE32(out, 0);  // no compression
-  AppendLE32(out, data);
-  AppendLE32(out, 2835);  // 72 dots an inch
-  AppendLE32(out, 2835);
-  AppendLE32(out, 256);
-  AppendLE32(out, 0);
+  // Uncompressed, 72 dots an inch.
+  AppendBmpHeaders({.type = kBmpType,
+                    .fileSize = offset + data,
+                    .offBits = offset,
+                    .headerSize = kBmpInfoHeaderBytes,
+                    .width = b.width,
+                    .height = b.height,
+                    .planes = 1,
+                    .bitCount = 8,
+                    .imageSize = data,
+                    .xPelsPerMeter = 2835,
+                    .yPelsPerMeter = 2835,
+                    .colorsUsed = 256},
+                   out);
   for (uint32_t i = 0; i < 256; ++i) {
     for (int c = 0; c < 3; ++c) out.push_back(static_cast<uint8_t>(i));
     out.push_back(0);

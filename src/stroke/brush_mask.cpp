@@ -4,14 +4,13 @@
 #include <cstring>
 
 #include "frame/block.h"
+#include "imaging/bmp_header.h"
 #include "platform/byte_order.h"
 
 namespace fancy {
 
 namespace {
 
-constexpr int32_t kFileHeaderBytes = 14;
-constexpr int32_t kShortInfoHeader = 12;
 constexpr long kTableOffset = 54;  // where the table is read, whatever the header says
 constexpr uint32_t kMaxTableEntries = 256;
 constexpr int32_t kMinSpareBytes = 1024;
@@ -41,10 +40,10 @@ int32_t BrushMaskLoad(const char* path, BrushMask* mask) {
   std::FILE* file = closer.file;
   if (!file) return -1;
 
-  uint8_t head[kFileHeaderBytes + 4];
+  uint8_t head[kBmpFileHeaderBytes + 4];
   if (!ReadExactly(file, head, sizeof head) || head[0] != 'B' || head[1] != 'M') return -1;
   // The short form has no table to read, so it never counts as grey.
-  if (LoadLE32(head + kFileHeaderBytes) == kShortInfoHeader) return -1;
+  if (LoadLE32(head + kBmpFileHeaderBytes) == kBmpCoreHeaderBytes) return -1;
   uint8_t info[36];
   if (!ReadExactly(file, info, sizeof info)) return -1;
   const int16_t width = static_cast<int16_t>(LoadLE16(info + 0));

@@ -14,8 +14,6 @@ namespace fancy {
 
 namespace {
 
-constexpr uint16_t kBmpType = 19778;  // "BM"
-constexpr uint32_t kCoreHeaderSize = 12;
 constexpr int32_t kChunkBytes = 65000;
 // Pictures beyond these are refused as memory the effect cannot have.
 constexpr int64_t kMaxSide = 32767;
@@ -120,7 +118,7 @@ int16_t ReadBmpHeader(std::FILE* file, BmpHeader* header) {
             ReadU16(file, &h.reserved2) && ReadU32(file, &h.offBits) &&
             ReadU32(file, &h.headerSize);
   if (!ok) return kSourceFileReadError;
-  if (h.headerSize == kCoreHeaderSize) {
+  if (h.headerSize == kBmpCoreHeaderBytes) {
     ok = ReadI16AsI32(file, &h.width) && ReadI16AsI32(file, &h.height) &&
          ReadU16(file, &h.planes) && ReadU16(file, &h.bitCount);
   } else {
@@ -139,7 +137,7 @@ int32_t ReadBmpPalette(const BmpHeader& header, std::FILE* file, BmpColour palet
                        int32_t* colours) {
   std::fill(palette, palette + 256, BmpColour{0, 0, 0});
   *colours = 0;
-  const long paletteAt = static_cast<long>(header.headerSize) + 14;
+  const long paletteAt = static_cast<long>(header.headerSize) + kBmpFileHeaderBytes;
   if (header.bitCount == 1) {
     // Only the first entry is looked at, and the file position is kept.
     const long here = std::ftell(file);
@@ -157,7 +155,7 @@ int32_t ReadBmpPalette(const BmpHeader& header, std::FILE* file, BmpColour palet
   const int32_t most = header.bitCount <= 8 ? 1 << header.bitCount : 256;
   int64_t count = header.colorsUsed ? int64_t{header.colorsUsed} : most;
   count = std::min<int64_t>(count, most);
-  const int32_t entryBytes = header.headerSize == kCoreHeaderSize ? 3 : 4;
+  const int32_t entryBytes = header.headerSize == kBmpCoreHeaderBytes ? 3 : 4;
   for (int64_t i = 0; i < count; ++i) {
     uint8_t entry[4];
     if (!ReadBytes(file, entry, static_cast<size_t>(entryBytes))) return kBmpPaletteShort;

@@ -2,7 +2,6 @@
 // as the picture holds them. The file is replaced whole or not at all.
 #include <vector>
 
-#include "platform/byte_order.h"
 #include "platform/file.h"
 #include "tile/source_file.h"
 
@@ -24,25 +23,23 @@ int16_t SaveImageBmp(const Image* image, const char* path) {
       !ImagePixelAddress(image, 0, 0) || !ImagePixelAddress(image, 0, image->height - 1))
     return kSourceFileReadError;
 
-  const uint32_t offBits = static_cast<uint32_t>(colours * 4 + 54);
+  const uint32_t offBits =
+      static_cast<uint32_t>(colours * 4) + kBmpFileHeaderBytes + kBmpInfoHeaderBytes;
   std::vector<uint8_t> out;
   out.reserve(offBits + static_cast<size_t>(imageBytes));
-  AppendLE16(out, 19778);  // "BM"
-  AppendLE32(out, static_cast<uint32_t>(imageBytes) + offBits);
-  AppendLE16(out, 0);
-  AppendLE16(out, 0);
-  AppendLE32(out, offBits);
-  AppendLE32(out, 40);
-  AppendLE32(out, static_cast<uint32_t>(image->width));
-  AppendLE32(out, static_cast<uint32_t>(image->height));
-  AppendLE16(out, 1);  // planes
-  AppendLE16(out, static_cast<uint32_t>(bitCount));
-  AppendLE32(out, 0);  // no compression
-  AppendLE32(out, static_cast<uint32_t>(imageBytes));
-  AppendLE32(out, 0);  // pixels per metre
-  AppendLE32(out, 0);
-  AppendLE32(out, static_cast<uint32_t>(colours));
-  AppendLE32(out, static_cast<uint32_t>(colours));
+  // Uncompressed, no resolution given.
+  AppendBmpHeaders({.type = kBmpType,
+                    .fileSize = static_cast<uint32_t>(imageBytes) + offBits,
+                    .offBits = offBits,
+                    .headerSize = kBmpInfoHeaderBytes,
+                    .width = image->width,
+                    .height = image->height,
+                    .planes = 1,
+                    .bitCount = static_cast<uint16_t>(bitCount),
+                    .imageSize = static_cast<uint32_t>(imageBytes),
+                    .colorsUsed = static_cast<uint32_t>(colours),
+                    .colorsImportant = static_cast<uint32_t>(colours)},
+                   out);
   for (int32_t i = 0; i < colours; ++i) {
     const uint8_t grey = static_cast<uint8_t>(i);
     out.insert(out.end(), {grey, grey, grey, 0});
