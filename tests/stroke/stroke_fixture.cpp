@@ -9,21 +9,9 @@
 #include "platform/registry.h"
 #include "stroke/paint_pass.h"
 #include "stroke/placement.h"
+#include "support/bmp_bytes.h"
 
 namespace fancy::testing {
-
-namespace {
-
-void Put16(std::string& out, uint32_t v) {
-  out.push_back(static_cast<char>(v & 0xFF));
-  out.push_back(static_cast<char>((v >> 8) & 0xFF));
-}
-void Put32(std::string& out, uint32_t v) {
-  Put16(out, v & 0xFFFF);
-  Put16(out, v >> 16);
-}
-
-}  // namespace
 
 StyleFolder::StyleFolder() {
   std::filesystem::create_directories(temp_.File("Config"));
