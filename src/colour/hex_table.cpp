@@ -15,10 +15,10 @@
 
 #include "colour/clr_pixels.h"
 #include "colour/colour_report.h"
-#include "platform/byte_order.h"
 #include "config/condition.h"
 #include "config/config.h"
 #include "config/memblock.h"
+#include "platform/byte_order.h"
 #include "platform/path.h"
 
 namespace fancy {
@@ -52,6 +52,8 @@ struct HexRecord {
   size_t nameLength;
 };
 
+// Numbers in the file are little-endian, four bytes unless a field says
+// otherwise. What CheckFile finds:
 enum class ParseResult { kOk, kBadHeader, kDamaged };
 
 // Checks the whole file before anything is stored: the header, every record

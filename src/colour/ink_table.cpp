@@ -17,10 +17,10 @@
 
 #include "colour/clr_convert.h"
 #include "colour/colour_report.h"
-#include "platform/byte_order.h"
 #include "config/condition.h"
 #include "config/config.h"
 #include "config/memblock.h"
+#include "platform/byte_order.h"
 #include "platform/path.h"
 
 namespace fancy {
