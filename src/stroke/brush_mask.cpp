@@ -6,6 +6,7 @@
 #include "frame/block.h"
 #include "imaging/bmp_header.h"
 #include "platform/byte_order.h"
+#include "platform/file.h"
 
 namespace fancy {
 
@@ -14,14 +15,6 @@ namespace {
 constexpr long kTableOffset = 54;  // where the table is read, whatever the header says
 constexpr uint32_t kMaxTableEntries = 256;
 constexpr int32_t kMinSpareBytes = 1024;
-
-// Closes the file on every path.
-struct FileCloser {
-  std::FILE* file;
-  ~FileCloser() {
-    if (file) std::fclose(file);
-  }
-};
 
 bool ReadExactly(std::FILE* file, uint8_t* out, size_t bytes) {
   return std::fread(out, 1, bytes, file) == bytes;
@@ -36,8 +29,8 @@ int32_t BrushMaskSpareBytes(int32_t width) {
 int32_t BrushMaskLoad(const char* path, BrushMask* mask) {
   *mask = BrushMask{};
   if (!path || !path[0]) return -1;
-  FileCloser closer{std::fopen(path, "rb")};
-  std::FILE* file = closer.file;
+  FilePtr owned(std::fopen(path, "rb"));
+  std::FILE* file = owned.get();
   if (!file) return -1;
 
   uint8_t head[kBmpFileHeaderBytes + 4];

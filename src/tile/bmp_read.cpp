@@ -6,6 +6,7 @@
 
 #include "frame/host_record.h"
 #include "platform/byte_order.h"
+#include "platform/file.h"
 #include "tile/source_convert.h"
 #include "tile/source_file.h"
 #include "tile/tile_work.h"
@@ -18,11 +19,6 @@ constexpr int32_t kChunkBytes = 65000;
 // Pictures beyond these are refused as memory the effect cannot have.
 constexpr int64_t kMaxSide = 32767;
 constexpr int64_t kMaxPixelBytes = int64_t{1} << 30;
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
 struct ImageCloser {
   void operator()(Image* image) const { ImageDestroy(image); }
