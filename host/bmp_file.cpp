@@ -89,7 +89,7 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
   if (pixelOffset < paletteEnd)
     return Fail(error, "the BMP header is damaged: the pixels would start inside the palette");
 
-  uint64_t stride = ((uint64_t(width) * bits + 31) / 32) * 4;
+  uint64_t stride = uint64_t(BmpRowBytes(int32_t(bits), width));
   uint64_t pixelBytes = stride * uint64_t(height);
   if (pixelOffset > size || pixelBytes > size - pixelOffset)
     return Fail(error, "the BMP file is truncated: its pixels need " + std::to_string(pixelBytes) +
@@ -149,7 +149,7 @@ std::vector<uint8_t> EncodeBmp(const FilePicture& picture) {
   const bool grey = picture.mode == PixelMode::kGrey;
   const uint32_t bits = grey ? 8 : 24;
   const uint32_t paletteBytes = grey ? 256 * 4 : 0;
-  const uint64_t stride = ((uint64_t(picture.width) * bits + 31) / 32) * 4;
+  const uint64_t stride = uint64_t(BmpRowBytes(int32_t(bits), picture.width));
   const uint64_t pixelOffset = kBmpFileHeaderBytes + kBmpInfoHeaderBytes + paletteBytes;
   const uint64_t total = pixelOffset + stride * uint64_t(picture.height);
   if (total > 0xFFFFFFFFu) return out;

@@ -34,6 +34,12 @@ struct BmpHeader {
   uint32_t colorsImportant = 0;
 };
 
+// Bytes of one stored row: width pixels of bitCount bits, padded to a
+// multiple of four bytes.
+constexpr int64_t BmpRowBytes(int32_t bitCount, int64_t width) {
+  return (width * bitCount + 31) / 32 * 4;
+}
+
 // Appends the file header and a 40-byte info header, every field as the
 // header holds it (headerSize included): 54 bytes. Writers name the fields
 // they set; those left out of the record are written as 0.

@@ -60,7 +60,7 @@ int32_t BrushMaskLoad(const char* path, BrushMask* mask) {
     if (entry[0] != entry[1] || entry[1] != entry[2]) return -1;
   }
 
-  const int32_t rowBytes = (width + 3) / 4 * 4;
+  const int32_t rowBytes = static_cast<int32_t>(BmpRowBytes(8, width));
   const int32_t dataBytes = rowBytes * height;  // at most 32768 x 32767
   // A header that promises more than the file holds is refused before the
   // raster's block is taken.

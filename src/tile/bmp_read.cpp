@@ -57,17 +57,6 @@ bool ReadI16AsI32(std::FILE* file, int32_t* value) {
   return true;
 }
 
-// Bytes of one file row of a depth, padded to four bytes.
-int64_t FileRowBytes(int32_t bitCount, int64_t width) {
-  switch (bitCount) {
-    case 24: return (width * 3 + 3) / 4 * 4;
-    case 8: return (width + 3) / 4 * 4;
-    case 4: return ((width + 1) / 2 + 3) / 4 * 4;
-    case 1: return ((width + 7) / 8 + 3) / 4 * 4;
-    default: return 0;
-  }
-}
-
 // Resolution in thousandths of a dot, from pixels per metre, held in range.
 int32_t ResolutionOf(int32_t pelsPerMeter) {
   const int64_t value = int64_t{pelsPerMeter} * 1000;
@@ -196,7 +185,7 @@ int16_t LoadSourceBmp(const char* path, Image** outImage, int16_t hostMode) {
   // Reads go in chunks of whole rows, at most 65000 bytes each. A row longer
   // than a chunk gives no rows a chunk, and nothing is read: the picture
   // stays black.
-  const int64_t rowBytes = FileRowBytes(bits, width);
+  const int64_t rowBytes = BmpRowBytes(bits, width);
   const int64_t rowsPerChunk = kChunkBytes / rowBytes;
   if (rowsPerChunk > 0) {
     std::unique_ptr<uint8_t[]> chunk = AllocateTileWork(kChunkBytes);
