@@ -4,12 +4,10 @@
 
 #include <filesystem>
 
-#include "config/config.h"
-#include "config/color_settings.h"
-#include "platform/registry.h"
 #include "stroke/paint_pass.h"
 #include "stroke/placement.h"
 #include "support/bmp_bytes.h"
+#include "support/config_folder.h"
 
 namespace fancy::testing {
 
@@ -17,19 +15,10 @@ StyleFolder::StyleFolder() {
   std::filesystem::create_directories(temp_.File("Config"));
   std::filesystem::create_directories(temp_.File("Plugins"));
   temp_.Write("Config/tavinapp.ini", "[Config]\nPixelboxDir=host\n");
-  RegistrySetStorePath(temp_.File("registry.ini"));
-  ConfigSetProduct("Fancy", "8.00");
-  if (!RegistryWriteString("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavin\\Fancy\\8.00", "ConfigDir",
-                           temp_.File("Config").c_str()))
-    ADD_FAILURE() << "cannot write the registry stand-in";
-  ConfigReset();
+  PointConfigAt(temp_, temp_.File("Config"));
 }
 
-StyleFolder::~StyleFolder() {
-  RegistrySetStorePath("");
-  ConfigReset();
-  ColorSettingsReset();
-}
+StyleFolder::~StyleFolder() { EndConfigFolder(); }
 
 std::string StyleFolder::WriteStyleFile(const std::string& text) const {
   return temp_.Write("Plugins/brushka.ini", text);
