@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "imaging/composite_state.h"
+#include "imaging/coord_math.h"
 #include "imaging/image_rows.h"
 #include "imaging/tile_walk.h"
 

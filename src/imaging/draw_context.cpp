@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "imaging/coord_math.h"
+
 namespace fancy {
 
 namespace {
@@ -32,12 +34,6 @@ int64_t MapOffset(int32_t kind, int64_t d, double inverse) {
     case kMapScaleBothFlip: return -static_cast<int64_t>(std::floor((-d + 0.5) * inverse));
     default: return 0;
   }
-}
-
-int64_t FloorDiv(int64_t a, int64_t b) {
-  int64_t q = a / b;
-  if ((a % b != 0) && ((a < 0) != (b < 0))) --q;
-  return q;
 }
 
 // Target pixels [first, last] (in the target's own direction, counted from

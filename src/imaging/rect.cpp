@@ -1,5 +1,7 @@
 #include "imaging/rect.h"
 
+#include "imaging/coord_math.h"
+
 namespace fancy {
 
 Rect MakeRect(int32_t x, int32_t y, int32_t width, int32_t height) {

@@ -3,7 +3,6 @@
 // top > bottom. Field order is left, bottom, right, top.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 
 namespace fancy {
@@ -14,12 +13,6 @@ struct Rect {
   int32_t right;
   int32_t top;
 };
-
-// v held to the 32-bit range: an edge worked out in 64 bits back as a
-// coordinate.
-inline int32_t ClampToInt32(int64_t v) {
-  return static_cast<int32_t>(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX));
-}
 
 // The rectangle of w x h pixels whose top-left pixel is (x, y). Edges that
 // would pass the 32-bit range are held at its limit.
