@@ -51,21 +51,28 @@ void BM_BuildTile(benchmark::State& state) {
 }
 BENCHMARK(BM_BuildTile)->DenseRange(kGroupFirst, kGroupLast)->Unit(benchmark::kMicrosecond);
 
+// A one-row RGB tile over bytes, merged with the mode and opacity.
+TileBuffer RgbTileRow(std::vector<uint8_t>& bytes, int32_t width, int32_t mode, int32_t opacity) {
+  TileBuffer tile{};
+  tile.data = bytes.data();
+  tile.rowBytes = static_cast<int32_t>(bytes.size());
+  tile.pixelType = kTilePixelRgb;
+  tile.bytesPerPixel = 3;
+  tile.width = width;
+  tile.height = 1;
+  tile.mode = static_cast<int16_t>(mode);
+  tile.opacity = static_cast<uint8_t>(opacity);
+  return tile;
+}
+
 // One image row of 4096 RGB pixels from a tile 300 pixels wide, at full
 // opacity (range 1 = 100) and at 60 percent.
 void BM_MergeRow(benchmark::State& state) {
   constexpr int32_t kTileWidth = 300, kRow = 4096;
   std::vector<uint8_t> tileBytes(static_cast<size_t>(TileRowBytes(kTilePixelRgb, kTileWidth)));
   for (size_t i = 0; i < tileBytes.size(); ++i) tileBytes[i] = static_cast<uint8_t>(i * 13);
-  TileBuffer tile{};
-  tile.data = tileBytes.data();
-  tile.rowBytes = static_cast<int32_t>(tileBytes.size());
-  tile.pixelType = kTilePixelRgb;
-  tile.bytesPerPixel = 3;
-  tile.width = kTileWidth;
-  tile.height = 1;
-  tile.mode = static_cast<int16_t>(state.range(0));
-  tile.opacity = static_cast<uint8_t>(state.range(1));
+  const TileBuffer tile = RgbTileRow(tileBytes, kTileWidth, static_cast<int32_t>(state.range(0)),
+                                     static_cast<int32_t>(state.range(1)));
   std::vector<uint8_t> image(kRow * 3), out(kRow * 3);
   for (size_t i = 0; i < image.size(); ++i) image[i] = static_cast<uint8_t>(i * 5 + i / 301);
   for (auto _ : state) {
@@ -83,15 +90,7 @@ BENCHMARK(BM_MergeRow)
 void BM_MergeRowPreview(benchmark::State& state) {
   constexpr int32_t kTileWidth = 300, kRow = 1024;
   std::vector<uint8_t> tileBytes(static_cast<size_t>(TileRowBytes(kTilePixelRgb, kTileWidth)));
-  TileBuffer tile{};
-  tile.data = tileBytes.data();
-  tile.rowBytes = static_cast<int32_t>(tileBytes.size());
-  tile.pixelType = kTilePixelRgb;
-  tile.bytesPerPixel = 3;
-  tile.width = kTileWidth;
-  tile.height = 1;
-  tile.mode = kTileModeNormal;
-  tile.opacity = 60;
+  const TileBuffer tile = RgbTileRow(tileBytes, kTileWidth, kTileModeNormal, 60);
   std::vector<uint8_t> image(kRow * 3), out(kRow * 3);
   for (auto _ : state) {
     MergeRow(tile, image.data(), out.data(), 0, 0, kRow, kTilePixelRgb, 25000, 2);

@@ -2,15 +2,12 @@
 
 #include <algorithm>
 
-#include "bytes.h"
+#include "imaging/bmp_header.h"
+#include "platform/byte_order.h"
 
 namespace fancy {
 
 namespace {
-
-constexpr size_t kFileHeaderSize = 14;
-constexpr uint32_t kCoreHeaderSize = 12;
-constexpr uint32_t kInfoHeaderSize = 40;
 
 enum : uint32_t { kCompressionNone = 0, kCompressionRle8 = 1, kCompressionRle4 = 2 };
 
@@ -27,37 +24,37 @@ bool LooksLikeBmp(const uint8_t* data, size_t size) {
 
 bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::string* error) {
   if (!LooksLikeBmp(data, size)) return Fail(error, "not a BMP file");
-  if (size < kFileHeaderSize + 4) return Fail(error, "the BMP file is truncated in its header");
-  uint32_t fileSize = GetLE32(data + 2);
-  uint32_t pixelOffset = GetLE32(data + 10);
+  if (size < kBmpFileHeaderBytes + 4) return Fail(error, "the BMP file is truncated in its header");
+  uint32_t fileSize = LoadLE32(data + 2);
+  uint32_t pixelOffset = LoadLE32(data + 10);
   if (fileSize != 0 && fileSize > size)
     return Fail(error, "the BMP file is truncated: its header gives " + std::to_string(fileSize) +
                            " bytes, the file has " + std::to_string(size));
 
-  const uint8_t* dib = data + kFileHeaderSize;
-  uint32_t headerSize = GetLE32(dib);
-  if (headerSize != kCoreHeaderSize && headerSize < kInfoHeaderSize)
+  const uint8_t* dib = data + kBmpFileHeaderBytes;
+  uint32_t headerSize = LoadLE32(dib);
+  if (headerSize != kBmpCoreHeaderBytes && headerSize < kBmpInfoHeaderBytes)
     return Fail(error, "the BMP header has an unknown size (" + std::to_string(headerSize) + ")");
-  if (headerSize > size - kFileHeaderSize)
+  if (headerSize > size - kBmpFileHeaderBytes)
     return Fail(error, "the BMP file is truncated in its header");
 
   int64_t width, height;
   uint32_t bits, compression = kCompressionNone, coloursUsed = 0;
   uint32_t paletteEntryBytes;
-  if (headerSize == kCoreHeaderSize) {
-    width = GetLE16(dib + 4);
-    height = GetLE16(dib + 6);
-    bits = GetLE16(dib + 10);
+  if (headerSize == kBmpCoreHeaderBytes) {
+    width = LoadLE16(dib + 4);
+    height = LoadLE16(dib + 6);
+    bits = LoadLE16(dib + 10);
     paletteEntryBytes = 3;
   } else {
-    width = int32_t(GetLE32(dib + 4));
-    height = int32_t(GetLE32(dib + 8));
-    bits = GetLE16(dib + 14);
-    compression = GetLE32(dib + 16);
-    coloursUsed = GetLE32(dib + 32);
+    width = int32_t(LoadLE32(dib + 4));
+    height = int32_t(LoadLE32(dib + 8));
+    bits = LoadLE16(dib + 14);
+    compression = LoadLE32(dib + 16);
+    coloursUsed = LoadLE32(dib + 32);
     paletteEntryBytes = 4;
   }
-  if (GetLE16(dib + (headerSize == kCoreHeaderSize ? 8 : 12)) != 1)
+  if (LoadLE16(dib + (headerSize == kBmpCoreHeaderBytes ? 8 : 12)) != 1)
     return Fail(error, "the BMP header is damaged (planes is not 1)");
   if (compression == kCompressionRle8 || compression == kCompressionRle4)
     return Fail(error, "run-length compressed BMP files are not supported; save it uncompressed");
@@ -73,7 +70,7 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
   // The palette sits between the headers and the pixels. Without a count
   // it is as long as the depth allows, or as the room before the pixels
   // (writers of the core form often shorten it).
-  uint64_t paletteStart = kFileHeaderSize + uint64_t(headerSize);
+  uint64_t paletteStart = kBmpFileHeaderBytes + uint64_t(headerSize);
   uint32_t paletteCount = 0;
   if (bits <= 8) {
     uint32_t most = 1u << bits;
@@ -92,7 +89,7 @@ bool DecodeBmp(const uint8_t* data, size_t size, FilePicture* picture, std::stri
   if (pixelOffset < paletteEnd)
     return Fail(error, "the BMP header is damaged: the pixels would start inside the palette");
 
-  uint64_t stride = ((uint64_t(width) * bits + 31) / 32) * 4;
+  uint64_t stride = uint64_t(BmpRowBytes(int32_t(bits), width));
   uint64_t pixelBytes = stride * uint64_t(height);
   if (pixelOffset > size || pixelBytes > size - pixelOffset)
     return Fail(error, "the BMP file is truncated: its pixels need " + std::to_string(pixelBytes) +
@@ -152,29 +149,26 @@ std::vector<uint8_t> EncodeBmp(const FilePicture& picture) {
   const bool grey = picture.mode == PixelMode::kGrey;
   const uint32_t bits = grey ? 8 : 24;
   const uint32_t paletteBytes = grey ? 256 * 4 : 0;
-  const uint64_t stride = ((uint64_t(picture.width) * bits + 31) / 32) * 4;
-  const uint64_t pixelOffset = kFileHeaderSize + kInfoHeaderSize + paletteBytes;
+  const uint64_t stride = uint64_t(BmpRowBytes(int32_t(bits), picture.width));
+  const uint64_t pixelOffset = kBmpFileHeaderBytes + kBmpInfoHeaderBytes + paletteBytes;
   const uint64_t total = pixelOffset + stride * uint64_t(picture.height);
   if (total > 0xFFFFFFFFu) return out;
   out.reserve(size_t(total));
 
-  out.push_back('B');
-  out.push_back('M');
-  PutLE32(out, uint32_t(total));
-  PutLE32(out, 0);
-  PutLE32(out, uint32_t(pixelOffset));
-
-  PutLE32(out, kInfoHeaderSize);
-  PutLE32(out, uint32_t(picture.width));
-  PutLE32(out, uint32_t(picture.height));  // bottom-up
-  PutLE16(out, 1);
-  PutLE16(out, uint16_t(bits));
-  PutLE32(out, kCompressionNone);
-  PutLE32(out, uint32_t(stride * uint64_t(picture.height)));
-  PutLE32(out, 2835);  // 72 dots an inch
-  PutLE32(out, 2835);
-  PutLE32(out, grey ? 256 : 0);
-  PutLE32(out, 0);
+  AppendBmpHeaders({.type = kBmpType,
+                    .fileSize = uint32_t(total),
+                    .offBits = uint32_t(pixelOffset),
+                    .headerSize = kBmpInfoHeaderBytes,
+                    .width = picture.width,
+                    .height = picture.height,  // bottom-up
+                    .planes = 1,
+                    .bitCount = uint16_t(bits),
+                    .compression = kCompressionNone,
+                    .imageSize = uint32_t(stride * uint64_t(picture.height)),
+                    .xPelsPerMeter = 2835,  // 72 dots an inch
+                    .yPelsPerMeter = 2835,
+                    .colorsUsed = grey ? 256u : 0u},
+                   out);
   if (grey) {
     for (uint32_t i = 0; i < 256; ++i) {
       out.push_back(uint8_t(i));

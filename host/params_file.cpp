@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "bytes.h"
+#include "platform/byte_order.h"
 
 namespace fancy {
 
@@ -33,10 +33,10 @@ uint32_t Crc32(const uint8_t* data, size_t size) {
 
 std::vector<uint8_t> EncodeParams(const ParamsBlock& block) {
   std::vector<uint8_t> out(kMagic, kMagic + 8);
-  PutLE32(out, kVersion);
-  PutLE32(out, uint32_t(block.filterId));
-  PutLE32(out, uint32_t(block.bytes.size()));
-  PutLE32(out, Crc32(block.bytes.data(), block.bytes.size()));
+  AppendLE32(out, kVersion);
+  AppendLE32(out, uint32_t(block.filterId));
+  AppendLE32(out, uint32_t(block.bytes.size()));
+  AppendLE32(out, Crc32(block.bytes.data(), block.bytes.size()));
   out.insert(out.end(), block.bytes.begin(), block.bytes.end());
   return out;
 }
@@ -46,21 +46,21 @@ bool DecodeParams(const uint8_t* data, size_t size, ParamsBlock* block, std::str
     *error = "not a fancyhost parameters file";
     return false;
   }
-  if (GetLE32(data + 8) != kVersion) {
-    *error = "a parameters file of another version (" + std::to_string(GetLE32(data + 8)) + ")";
+  if (LoadLE32(data + 8) != kVersion) {
+    *error = "a parameters file of another version (" + std::to_string(LoadLE32(data + 8)) + ")";
     return false;
   }
-  uint32_t length = GetLE32(data + 16);
+  uint32_t length = LoadLE32(data + 16);
   if (length > kMaxBlock || length != size - kHeaderSize) {
     *error = "the parameters file is damaged: it gives " + std::to_string(length) +
              " bytes and holds " + std::to_string(size - kHeaderSize);
     return false;
   }
-  if (Crc32(data + kHeaderSize, length) != GetLE32(data + 20)) {
+  if (Crc32(data + kHeaderSize, length) != LoadLE32(data + 20)) {
     *error = "the parameters file is damaged: its checksum does not match";
     return false;
   }
-  block->filterId = int32_t(GetLE32(data + 12));
+  block->filterId = int32_t(LoadLE32(data + 12));
   block->bytes.assign(data + kHeaderSize, data + size);
   return true;
 }

@@ -46,6 +46,20 @@ Colour ReadHostPixel(const uint8_t* p, PixelMode mode) {
   return {0, 0, 0};
 }
 
+// One pixel between a file picture and a host image of the same mode: only
+// the byte order changes (RGB against blue first, CMYK ink against the
+// host's inverted bytes), nothing is lost. The change is its own inverse,
+// so it serves both ways.
+void CopySameMode(const uint8_t* in, PixelMode mode, uint8_t* out) {
+  switch (mode) {
+    case PixelMode::kGrey: out[0] = in[0]; break;
+    case PixelMode::kRGB: out[0] = in[2]; out[1] = in[1]; out[2] = in[0]; break;
+    case PixelMode::kCMYK:
+      for (int p = 0; p < 4; ++p) out[p] = uint8_t(255 - in[p]);
+      break;
+  }
+}
+
 }  // namespace
 
 int PlanesOf(PixelMode mode) {
@@ -106,14 +120,7 @@ HostImage ToHostImage(const FilePicture& picture, PixelMode mode) {
   uint8_t* out = image.pixels.data();
   for (size_t i = 0; i < count; ++i, in += inPlanes, out += image.planes) {
     if (picture.mode == mode) {
-      // Same mode: only the byte order changes, nothing is lost.
-      switch (mode) {
-        case PixelMode::kGrey: out[0] = in[0]; break;
-        case PixelMode::kRGB: out[0] = in[2]; out[1] = in[1]; out[2] = in[0]; break;
-        case PixelMode::kCMYK:
-          for (int p = 0; p < 4; ++p) out[p] = uint8_t(255 - in[p]);
-          break;
-      }
+      CopySameMode(in, mode, out);
       continue;
     }
     Colour colour = ReadFilePixel(in, picture.mode);
@@ -143,13 +150,7 @@ FilePicture ToFilePicture(const HostImage& image, PixelMode mode) {
   uint8_t* out = picture.pixels.data();
   for (size_t i = 0; i < count; ++i, in += image.planes, out += outPlanes) {
     if (image.mode == mode) {
-      switch (mode) {
-        case PixelMode::kGrey: out[0] = in[0]; break;
-        case PixelMode::kRGB: out[0] = in[2]; out[1] = in[1]; out[2] = in[0]; break;
-        case PixelMode::kCMYK:
-          for (int p = 0; p < 4; ++p) out[p] = uint8_t(255 - in[p]);
-          break;
-      }
+      CopySameMode(in, mode, out);
       continue;
     }
     Colour colour = ReadHostPixel(in, image.mode);

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "imaging/bmp_header.h"
 #include "platform/crt_random.h"
 #include "platform/file.h"
 #include "platform/path.h"
@@ -157,35 +158,24 @@ Brush PaletteKnife() {
   return b;
 }
 
-void Put16(std::vector<uint8_t>& out, uint32_t v) {
-  out.push_back(static_cast<uint8_t>(v));
-  out.push_back(static_cast<uint8_t>(v >> 8));
-}
-void Put32(std::vector<uint8_t>& out, uint32_t v) {
-  Put16(out, v & 0xFFFF);
-  Put16(out, v >> 16);
-}
-
 std::vector<uint8_t> EncodeBmp(const Brush& b) {
   const uint32_t table = 256 * 4, data = static_cast<uint32_t>(b.width * b.height);
-  const uint32_t offset = 14 + 40 + table;
+  const uint32_t offset = kBmpFileHeaderBytes + kBmpInfoHeaderBytes + table;
   std::vector<uint8_t> out;
-  out.push_back('B');
-  out.push_back('M');
-  Put32(out, offset + data);
-  Put32(out, 0);
-  Put32(out, offset);
-  Put32(out, 40);
-  Put32(out, static_cast<uint32_t>(b.width));
-  Put32(out, static_cast<uint32_t>(b.height));
-  Put16(out, 1);  // planes
-  Put16(out, 8);  // bits a pixel
-  Put32(out, 0);  // no compression
-  Put32(out, data);
-  Put32(out, 2835);  // 72 dots an inch
-  Put32(out, 2835);
-  Put32(out, 256);
-  Put32(out, 0);
+  // Uncompressed, 72 dots an inch.
+  AppendBmpHeaders({.type = kBmpType,
+                    .fileSize = offset + data,
+                    .offBits = offset,
+                    .headerSize = kBmpInfoHeaderBytes,
+                    .width = b.width,
+                    .height = b.height,
+                    .planes = 1,
+                    .bitCount = 8,
+                    .imageSize = data,
+                    .xPelsPerMeter = 2835,
+                    .yPelsPerMeter = 2835,
+                    .colorsUsed = 256},
+                   out);
   for (uint32_t i = 0; i < 256; ++i) {
     for (int c = 0; c < 3; ++c) out.push_back(static_cast<uint8_t>(i));
     out.push_back(0);

@@ -10,6 +10,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/byte_order.h"
+
 namespace fancy {
 
 struct CLRColor {
@@ -90,26 +92,19 @@ inline uint8_t* CLRBytes(CLRColor* c) { return reinterpret_cast<uint8_t*>(c); }
 inline const uint8_t* CLRBytes(const CLRColor* c) { return reinterpret_cast<const uint8_t*>(c); }
 
 inline uint16_t CLRGetU16(const CLRColor* c, int offset) {
-  const uint8_t* b = CLRBytes(c) + offset;
-  return static_cast<uint16_t>(b[0] | (b[1] << 8));
+  return LoadLE16(CLRBytes(c) + offset);
 }
 inline int16_t CLRGetI16(const CLRColor* c, int offset) {
   return static_cast<int16_t>(CLRGetU16(c, offset));
 }
 inline void CLRSetU16(CLRColor* c, int offset, uint32_t value) {
-  uint8_t* b = CLRBytes(c) + offset;
-  b[0] = static_cast<uint8_t>(value);
-  b[1] = static_cast<uint8_t>(value >> 8);
+  StoreLE16(CLRBytes(c) + offset, value);
 }
 inline int32_t CLRGetI32(const CLRColor* c, int offset) {
-  const uint8_t* b = CLRBytes(c) + offset;
-  return static_cast<int32_t>(static_cast<uint32_t>(b[0]) | (static_cast<uint32_t>(b[1]) << 8) |
-                              (static_cast<uint32_t>(b[2]) << 16) |
-                              (static_cast<uint32_t>(b[3]) << 24));
+  return static_cast<int32_t>(LoadLE32(CLRBytes(c) + offset));
 }
 inline void CLRSetI32(CLRColor* c, int offset, uint32_t value) {
-  uint8_t* b = CLRBytes(c) + offset;
-  for (int i = 0; i < 4; ++i) b[i] = static_cast<uint8_t>(value >> (8 * i));
+  StoreLE32(CLRBytes(c) + offset, value);
 }
 inline uint16_t CLRPaletteWord(const CLRColor* c) { return CLRGetU16(c, 2); }
 inline void CLRSetPaletteWord(CLRColor* c, uint32_t word) { CLRSetU16(c, 2, word); }

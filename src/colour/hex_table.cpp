@@ -15,10 +15,10 @@
 
 #include "colour/clr_pixels.h"
 #include "colour/colour_report.h"
-#include "colour/packed_block.h"
 #include "config/condition.h"
 #include "config/config.h"
 #include "config/memblock.h"
+#include "platform/byte_order.h"
 #include "platform/path.h"
 
 namespace fancy {
@@ -52,19 +52,19 @@ struct HexRecord {
   size_t nameLength;
 };
 
-uint32_t ReadU32(const uint8_t* p) { return PackedU32(p, 0); }
-
+// Numbers in the file are little-endian, four bytes unless a field says
+// otherwise. What CheckFile finds:
 enum class ParseResult { kOk, kBadHeader, kDamaged };
 
 // Checks the whole file before anything is stored: the header, every record
 // within the data, every id within the table.
 ParseResult CheckFile(const uint8_t* data, size_t size) {
-  if (size < 4 || PackedU16(data, 0) != kHexMagic || PackedU16(data, 2) != kHexRecordCount)
+  if (size < 4 || LoadLE16(data) != kHexMagic || LoadLE16(data + 2) != kHexRecordCount)
     return ParseResult::kBadHeader;
   size_t pos = 4;
   for (int i = 0; i < kHexRecordCount; ++i) {
     if (size - pos < kRecordHeader) return ParseResult::kDamaged;
-    if (ReadU32(data + pos) >= static_cast<uint32_t>(kHexIdCount)) return ParseResult::kDamaged;
+    if (LoadLE32(data + pos) >= static_cast<uint32_t>(kHexIdCount)) return ParseResult::kDamaged;
     size_t nameLength = data[pos + 40];
     pos += kRecordHeader;
     if (size - pos < nameLength) return ParseResult::kDamaged;
@@ -91,16 +91,16 @@ bool StoreRecord(const HexRecord& record) {
     return false;
   }
   uint32_t at = gHex.used;
-  PutPackedU16(base, at, record.id);
-  PutPackedU16(base, at + 2, kCLRHexProcess);
-  PutPackedU16(base, at + 4, kCLRPalUser);
+  StoreLE16(base + at, record.id);
+  StoreLE16(base + at + 2, kCLRHexProcess);
+  StoreLE16(base + at + 4, kCLRPalUser);
   std::memcpy(base + at + 6, record.inks, 6);
   std::memcpy(base + at + 12, record.lab, 3);
   base[at + 15] = 0;
   std::memcpy(base + at + kEntryHeader, record.name, nameLength);
   base[at + kEntryHeader + nameLength] = 0;
-  PutPackedU32(base, kByOrder + 4 * static_cast<uint32_t>(gHex.recordCount), at);
-  PutPackedU32(base, kById + 4 * record.id, at);
+  StoreLE32(base + (kByOrder + 4 * static_cast<uint32_t>(gHex.recordCount)), at);
+  StoreLE32(base + (kById + 4 * record.id), at);
   MemBlockUnlock(gHex.block);
   gHex.used += size;
   ++gHex.recordCount;
@@ -152,9 +152,9 @@ int Fill(const uint8_t* data, bool useFile) {
     for (int i = 0; i < kHexRecordCount && stored; ++i) {
       const uint8_t* p = data + pos;
       HexRecord record;
-      record.id = ReadU32(p);
-      for (int k = 0; k < 6; ++k) record.inks[k] = static_cast<uint8_t>(ReadU32(p + 4 + 4 * k));
-      for (int k = 0; k < 3; ++k) record.lab[k] = static_cast<uint8_t>(ReadU32(p + 28 + 4 * k));
+      record.id = LoadLE32(p);
+      for (int k = 0; k < 6; ++k) record.inks[k] = static_cast<uint8_t>(LoadLE32(p + 4 + 4 * k));
+      for (int k = 0; k < 3; ++k) record.lab[k] = static_cast<uint8_t>(LoadLE32(p + 28 + 4 * k));
       record.nameLength = p[40];
       record.name = p + kRecordHeader;
       pos += kRecordHeader + record.nameLength;
@@ -208,7 +208,7 @@ const uint8_t* LockEntry(int id) {
     ReportColourCondition(kConditionNotLocked, "hex_table.cpp", __LINE__);
     return nullptr;
   }
-  uint32_t at = PackedU32(base, kById + 4 * static_cast<uint32_t>(id));
+  uint32_t at = LoadLE32(base + (kById + 4 * static_cast<uint32_t>(id)));
   if (at == 0) {
     MemBlockUnlock(gHex.block);
     return nullptr;
@@ -302,8 +302,8 @@ int HexAt(int order, CLRColor* out) {
     ReportColourCondition(kConditionNotLocked, "hex_table.cpp", __LINE__);
     return 0;
   }
-  uint32_t at = PackedU32(base, kByOrder + 4 * static_cast<uint32_t>(order));
-  int id = static_cast<int16_t>(PackedU16(base, at));
+  uint32_t at = LoadLE32(base + (kByOrder + 4 * static_cast<uint32_t>(order)));
+  int id = static_cast<int16_t>(LoadLE16(base + at));
   MemBlockUnlock(gHex.block);
   CLRColor c = Plain(kCLRHexSpot);
   CLRSetPaletteWord(&c, kCLRPalHexachrome);

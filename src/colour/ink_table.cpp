@@ -17,10 +17,10 @@
 
 #include "colour/clr_convert.h"
 #include "colour/colour_report.h"
-#include "colour/packed_block.h"
 #include "config/condition.h"
 #include "config/config.h"
 #include "config/memblock.h"
+#include "platform/byte_order.h"
 #include "platform/path.h"
 
 namespace fancy {
@@ -226,13 +226,13 @@ bool StoreInk(const InkLine& ink) {
   uint8_t* base = Reserve(size);
   if (!base) return false;
   uint32_t at = gInks.used;
-  PutPackedU16(base, at, static_cast<uint32_t>(n[0]));
-  PutPackedU16(base, at + 2, 0);
+  StoreLE16(base + at, static_cast<uint32_t>(n[0]));
+  StoreLE16(base + at + 2, 0);
   std::memcpy(base + at + 4, &rgb, sizeof rgb);
   std::memcpy(base + at + 16, &given, sizeof given);
   std::memcpy(base + at + kEntryHeader, name, nameSize);
-  PutPackedU32(base, kByOrder + 4 * static_cast<uint32_t>(gInks.inkCount), at);
-  PutPackedU32(base, kByIndex + 4 * static_cast<uint32_t>(n[0]), at);
+  StoreLE32(base + (kByOrder + 4 * static_cast<uint32_t>(gInks.inkCount)), at);
+  StoreLE32(base + (kByIndex + 4 * static_cast<uint32_t>(n[0])), at);
   MemBlockUnlock(gInks.block);
   gInks.used += size;
   ++gInks.inkCount;
@@ -301,7 +301,7 @@ const uint8_t* LockEntry(int index) {
     ReportColourCondition(kConditionNotLocked, "ink_table.cpp", __LINE__);
     return nullptr;
   }
-  uint32_t at = PackedU32(base, kByIndex + 4 * static_cast<uint32_t>(index));
+  uint32_t at = LoadLE32(base + (kByIndex + 4 * static_cast<uint32_t>(index)));
   if (at == 0) {
     MemBlockUnlock(gInks.block);
     return nullptr;
@@ -376,7 +376,7 @@ void InkName(int index, char* out, size_t size) {
   if (name[0] == 0)
     std::snprintf(out, size, "PANTONE %d CV", index);
   else if (name[0] == kNumberName)
-    std::snprintf(out, size, "PANTONE %d CV", PackedU16(name, 1));
+    std::snprintf(out, size, "PANTONE %d CV", LoadLE16(name + 1));
   else
     std::snprintf(out, size, "PANTONE %s CV", reinterpret_cast<const char*>(name));
   MemBlockUnlock(gInks.block);
@@ -391,8 +391,8 @@ int InkAt(int order, CLRColor* out) {
     ReportColourCondition(kConditionNotLocked, "ink_table.cpp", __LINE__);
     return 0;
   }
-  uint32_t at = PackedU32(base, kByOrder + 4 * static_cast<uint32_t>(order));
-  int index = static_cast<int16_t>(PackedU16(base, at));
+  uint32_t at = LoadLE32(base + (kByOrder + 4 * static_cast<uint32_t>(order)));
+  int index = static_cast<int16_t>(LoadLE16(base + at));
   MemBlockUnlock(gInks.block);
   CLRColor c = Plain(kCLRPantone);
   CLRSetPaletteWord(&c, kCLRPalPantoneSpot);

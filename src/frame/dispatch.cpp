@@ -5,6 +5,7 @@
 #include "frame/effect_hooks.h"
 #include "frame/effect_record.h"
 #include "frame/entry.h"
+#include "frame/host_bridge.h"
 #include "frame/module_handle.h"
 #include "frame/prepare.h"
 #include "frame/result_codes.h"
@@ -125,8 +126,7 @@ int16_t Start(FilterRecord* record, intptr_t* data, int32_t filterId) {
     }
   }
   if (record->progressProc) record->progressProc(-1, 1);
-  record->inLoPlane = record->outLoPlane = 0;
-  record->inHiPlane = record->outHiPlane = static_cast<int16_t>(record->planes - 1);
+  RequestAllPlanes(record);
   slot->rowsPerChunk = RowsPerChunk(record->filterRect, record->planes);
 
   switch (effect->effectClass) {

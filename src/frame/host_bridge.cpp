@@ -77,6 +77,11 @@ void RequestRows(FilterRecord* record, int16_t top, int16_t bottom, int16_t loPl
   record->outHiPlane = hiPlane;
 }
 
+void RequestAllPlanes(FilterRecord* record) {
+  record->inLoPlane = record->outLoPlane = 0;
+  record->inHiPlane = record->outHiPlane = static_cast<int16_t>(record->planes - 1);
+}
+
 void RequestStrokeRow(FilterRecord* record, int16_t row) {
   RequestRows(record, row, static_cast<int16_t>(row + 1), 0, 2);
 }

@@ -44,6 +44,10 @@ void CopyHelpFile(const HostExtension& extension, char* out, uint32_t size);
 void RequestRows(FilterRecord* record, int16_t top, int16_t bottom, int16_t loPlane,
                  int16_t hiPlane);
 
+// Planes 0 .. planes - 1, in and out alike; the rectangles are left as
+// they are.
+void RequestAllPlanes(FilterRecord* record);
+
 // The stroke effect's request: one whole row of three planes whatever
 // `planes` says, the row's first pixel at filterRect.left.
 void RequestStrokeRow(FilterRecord* record, int16_t row);

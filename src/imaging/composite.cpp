@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "imaging/composite_state.h"
+#include "imaging/coord_math.h"
 #include "imaging/image_rows.h"
 #include "imaging/tile_walk.h"
 
@@ -32,17 +33,16 @@ bool AxisFromEdges(int32_t a, int32_t b, CompositeAxis* axis) {
   return true;
 }
 
-int32_t Clamp32(int64_t v) { return static_cast<int32_t>(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX)); }
-
 Rect Shifted(const Rect& r, int64_t dx, int64_t dy) {
-  return Rect{Clamp32(r.left + dx), Clamp32(r.bottom + dy), Clamp32(r.right + dx), Clamp32(r.top + dy)};
+  return Rect{ClampToInt32(r.left + dx), ClampToInt32(r.bottom + dy), ClampToInt32(r.right + dx),
+              ClampToInt32(r.top + dy)};
 }
 
 // The pixels an axis covers, ordered.
 void AxisRange(const CompositeAxis& a, int32_t* lo, int32_t* hi) {
   int64_t far = a.dir > 0 ? int64_t{a.first} + a.count - 1 : int64_t{a.first} - a.count + 1;
-  *lo = Clamp32(std::min<int64_t>(a.first, far));
-  *hi = Clamp32(std::max<int64_t>(a.first, far));
+  *lo = ClampToInt32(std::min<int64_t>(a.first, far));
+  *hi = ClampToInt32(std::max<int64_t>(a.first, far));
 }
 
 Rect BoxOf(const CompositeAxis& x, const CompositeAxis& y) {
@@ -57,11 +57,11 @@ Rect BoxOf(const CompositeAxis& x, const CompositeAxis& y) {
 Rect EdgesOf(const CompositeAxis& x, const CompositeAxis& y, int32_t ox, int32_t oy) {
   auto edges = [](const CompositeAxis& a, int32_t o, int32_t* lo, int32_t* hi) {
     if (a.dir > 0) {
-      *lo = Clamp32(int64_t{a.first} - o);
-      *hi = Clamp32(int64_t{a.first} - o + a.count - 1);
+      *lo = ClampToInt32(int64_t{a.first} - o);
+      *hi = ClampToInt32(int64_t{a.first} - o + a.count - 1);
     } else {
-      *lo = Clamp32(int64_t{a.first} - o + 1);
-      *hi = Clamp32(int64_t{a.first} - o + 1 - a.count - 1);
+      *lo = ClampToInt32(int64_t{a.first} - o + 1);
+      *hi = ClampToInt32(int64_t{a.first} - o + 1 - a.count - 1);
     }
   };
   Rect r;
@@ -273,7 +273,7 @@ int RunComposite(CompositeState* s) {
     // Clipped rectangles lie in their images: an offset past 32 bits can
     // bring nothing of the source over the target.
     int64_t ox = int64_t{s->sx.first} - s->dx.first, oy = int64_t{s->sy.first} - s->dy.first;
-    if (ox != Clamp32(ox) || oy != Clamp32(oy)) return 1;
+    if (ox != ClampToInt32(ox) || oy != ClampToInt32(oy)) return 1;
     s->offsetX = static_cast<int32_t>(ox);
     s->offsetY = static_cast<int32_t>(oy);
     if (!RectIntersect(d, Shifted(c, -ox, -oy), &d)) return 1;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "imaging/coord_math.h"
+
 namespace fancy {
 
 namespace {
@@ -34,16 +36,6 @@ int64_t MapOffset(int32_t kind, int64_t d, double inverse) {
   }
 }
 
-int32_t Clamp32(int64_t v) {
-  return static_cast<int32_t>(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX));
-}
-
-int64_t FloorDiv(int64_t a, int64_t b) {
-  int64_t q = a / b;
-  if ((a % b != 0) && ((a < 0) != (b < 0))) --q;
-  return q;
-}
-
 // Target pixels [first, last] (in the target's own direction, counted from
 // its origin) whose area meets the source pixels [j0, j1] counted the same
 // way: source pixel j spans [j, j + 1) x |num| / |den| of the target.
@@ -69,8 +61,8 @@ void ReverseMapAxis(int32_t kind, int32_t num, int32_t den, int32_t targetOrigin
   ReverseAxis(ja, jb, num, den, &f, &l);
   int64_t p = targetOrigin + f * tdir, q = targetOrigin + l * tdir;
   if (p > q) std::swap(p, q);
-  *lo = Clamp32(p);
-  *hi = Clamp32(q);
+  *lo = ClampToInt32(p);
+  *hi = ClampToInt32(q);
 }
 
 }  // namespace
@@ -193,7 +185,7 @@ Point32 DrawContextMapPoint(const DrawContext* c, Point32 p) {
   if (!c) return p;
   int64_t x = MapOffset(c->mapXKind, int64_t{p.x} - c->targetOrigin.x, c->inverseX);
   int64_t y = MapOffset(c->mapYKind, int64_t{p.y} - c->targetOrigin.y, c->inverseY);
-  return Point32{Clamp32(x + c->sourceOrigin.x), Clamp32(y + c->sourceOrigin.y)};
+  return Point32{ClampToInt32(x + c->sourceOrigin.x), ClampToInt32(y + c->sourceOrigin.y)};
 }
 
 Rect DrawContextMapRect(const DrawContext* c, const Rect& r) {

@@ -1,23 +1,15 @@
 #include "imaging/rect.h"
 
-#include <algorithm>
+#include "imaging/coord_math.h"
 
 namespace fancy {
-
-namespace {
-
-int32_t Clamp32(int64_t v) {
-  return static_cast<int32_t>(std::clamp<int64_t>(v, INT32_MIN, INT32_MAX));
-}
-
-}  // namespace
 
 Rect MakeRect(int32_t x, int32_t y, int32_t width, int32_t height) {
   Rect r;
   r.left = x;
   r.top = y;
-  r.right = Clamp32(int64_t{x} + width - 1);
-  r.bottom = Clamp32(int64_t{y} + height - 1);
+  r.right = ClampToInt32(int64_t{x} + width - 1);
+  r.bottom = ClampToInt32(int64_t{y} + height - 1);
   return r;
 }
 

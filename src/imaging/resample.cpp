@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "imaging/coord_math.h"
 #include "imaging/image_types.h"
 
 namespace fancy {
@@ -52,12 +53,6 @@ inline void SetChan(uint8_t* row, int64_t i, uint64_t v) {
   } else {
     row[i] = static_cast<uint8_t>(v);
   }
-}
-
-int64_t FloorDiv(int64_t a, int64_t b) {
-  int64_t q = a / b;
-  if ((a % b != 0) && ((a < 0) != (b < 0))) --q;
-  return q;
 }
 
 // The logical source position that nearest sampling takes for logical

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,14 @@ bool FileExists(const char* path);
 bool DirectoryExists(const char* path);
 // Creates the directory and its parents; true if it exists afterwards.
 bool MakeDirectories(const char* path);
+
+// A C file closed when its owner goes; a null file is left alone.
+struct FileCloser {
+  void operator()(std::FILE* file) const {
+    if (file) std::fclose(file);
+  }
+};
+using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
 // Reads a whole file; false if it cannot be read or is larger than maxBytes.
 bool ReadWholeFile(const char* path, std::vector<uint8_t>& out, size_t maxBytes = 1u << 30);

@@ -147,8 +147,7 @@ int16_t RunBands(FilterRecord* record, const ReliefJob& job, const ReliefNumbers
       const int32_t inBottom = glass ? windowBottom : bottom;
       record->inRect = inTop < inBottom ? FilterRows(filter, inTop, inBottom) : Rect16{};
       record->outRect = FilterRows(filter, top, bottom);
-      record->inLoPlane = record->outLoPlane = 0;
-      record->inHiPlane = record->outHiPlane = static_cast<int16_t>(planes - 1);
+      RequestAllPlanes(record);
       record->maskRect = Rect16{};
       int16_t advanced = Advance(record);
       if (advanced != kNoError) return advanced;

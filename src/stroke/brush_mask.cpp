@@ -4,30 +4,17 @@
 #include <cstring>
 
 #include "frame/block.h"
+#include "imaging/bmp_header.h"
+#include "platform/byte_order.h"
+#include "platform/file.h"
 
 namespace fancy {
 
 namespace {
 
-constexpr int32_t kFileHeaderBytes = 14;
-constexpr int32_t kShortInfoHeader = 12;
 constexpr long kTableOffset = 54;  // where the table is read, whatever the header says
 constexpr uint32_t kMaxTableEntries = 256;
 constexpr int32_t kMinSpareBytes = 1024;
-
-uint16_t U16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | (p[1] << 8)); }
-uint32_t U32(const uint8_t* p) {
-  return static_cast<uint32_t>(p[0]) | (static_cast<uint32_t>(p[1]) << 8) |
-         (static_cast<uint32_t>(p[2]) << 16) | (static_cast<uint32_t>(p[3]) << 24);
-}
-
-// Closes the file on every path.
-struct FileCloser {
-  std::FILE* file;
-  ~FileCloser() {
-    if (file) std::fclose(file);
-  }
-};
 
 bool ReadExactly(std::FILE* file, uint8_t* out, size_t bytes) {
   return std::fread(out, 1, bytes, file) == bytes;
@@ -42,22 +29,22 @@ int32_t BrushMaskSpareBytes(int32_t width) {
 int32_t BrushMaskLoad(const char* path, BrushMask* mask) {
   *mask = BrushMask{};
   if (!path || !path[0]) return -1;
-  FileCloser closer{std::fopen(path, "rb")};
-  std::FILE* file = closer.file;
+  FilePtr owned(std::fopen(path, "rb"));
+  std::FILE* file = owned.get();
   if (!file) return -1;
 
-  uint8_t head[kFileHeaderBytes + 4];
+  uint8_t head[kBmpFileHeaderBytes + 4];
   if (!ReadExactly(file, head, sizeof head) || head[0] != 'B' || head[1] != 'M') return -1;
   // The short form has no table to read, so it never counts as grey.
-  if (U32(head + kFileHeaderBytes) == kShortInfoHeader) return -1;
+  if (LoadLE32(head + kBmpFileHeaderBytes) == kBmpCoreHeaderBytes) return -1;
   uint8_t info[36];
   if (!ReadExactly(file, info, sizeof info)) return -1;
-  const int16_t width = static_cast<int16_t>(U16(info + 0));
-  const int16_t height = static_cast<int16_t>(U16(info + 4));
-  const uint16_t planes = U16(info + 8);
-  const uint16_t bitCount = U16(info + 10);
-  const uint32_t compression = U32(info + 12);
-  const uint32_t coloursUsed = U32(info + 28);
+  const int16_t width = static_cast<int16_t>(LoadLE16(info + 0));
+  const int16_t height = static_cast<int16_t>(LoadLE16(info + 4));
+  const uint16_t planes = LoadLE16(info + 8);
+  const uint16_t bitCount = LoadLE16(info + 10);
+  const uint32_t compression = LoadLE32(info + 12);
+  const uint32_t coloursUsed = LoadLE32(info + 28);
   // Only plain 8-bit rasters are brushes; anything else would be read as
   // bytes that mean something other than coverage.
   if (planes != 1 || bitCount != 8 || compression != 0) return -1;
@@ -73,7 +60,7 @@ int32_t BrushMaskLoad(const char* path, BrushMask* mask) {
     if (entry[0] != entry[1] || entry[1] != entry[2]) return -1;
   }
 
-  const int32_t rowBytes = (width + 3) / 4 * 4;
+  const int32_t rowBytes = static_cast<int32_t>(BmpRowBytes(8, width));
   const int32_t dataBytes = rowBytes * height;  // at most 32768 x 32767
   // A header that promises more than the file holds is refused before the
   // raster's block is taken.

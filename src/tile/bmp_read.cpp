@@ -5,6 +5,8 @@
 #include <memory>
 
 #include "frame/host_record.h"
+#include "platform/byte_order.h"
+#include "platform/file.h"
 #include "tile/source_convert.h"
 #include "tile/source_file.h"
 #include "tile/tile_work.h"
@@ -13,17 +15,10 @@ namespace fancy {
 
 namespace {
 
-constexpr uint16_t kBmpType = 19778;  // "BM"
-constexpr uint32_t kCoreHeaderSize = 12;
 constexpr int32_t kChunkBytes = 65000;
 // Pictures beyond these are refused as memory the effect cannot have.
 constexpr int64_t kMaxSide = 32767;
 constexpr int64_t kMaxPixelBytes = int64_t{1} << 30;
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
 struct ImageCloser {
   void operator()(Image* image) const { ImageDestroy(image); }
@@ -37,14 +32,14 @@ bool ReadBytes(std::FILE* file, uint8_t* out, size_t count) {
 bool ReadU16(std::FILE* file, uint16_t* value) {
   uint8_t b[2];
   if (!ReadBytes(file, b, 2)) return false;
-  *value = static_cast<uint16_t>(b[0] | b[1] << 8);
+  *value = LoadLE16(b);
   return true;
 }
 
 bool ReadU32(std::FILE* file, uint32_t* value) {
   uint8_t b[4];
   if (!ReadBytes(file, b, 4)) return false;
-  *value = uint32_t{b[0]} | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 | uint32_t{b[3]} << 24;
+  *value = LoadLE32(b);
   return true;
 }
 
@@ -60,17 +55,6 @@ bool ReadI16AsI32(std::FILE* file, int32_t* value) {
   if (!ReadU16(file, &raw)) return false;
   *value = static_cast<int16_t>(raw);
   return true;
-}
-
-// Bytes of one file row of a depth, padded to four bytes.
-int64_t FileRowBytes(int32_t bitCount, int64_t width) {
-  switch (bitCount) {
-    case 24: return (width * 3 + 3) / 4 * 4;
-    case 8: return (width + 3) / 4 * 4;
-    case 4: return ((width + 1) / 2 + 3) / 4 * 4;
-    case 1: return ((width + 7) / 8 + 3) / 4 * 4;
-    default: return 0;
-  }
 }
 
 // Resolution in thousandths of a dot, from pixels per metre, held in range.
@@ -119,7 +103,7 @@ int16_t ReadBmpHeader(std::FILE* file, BmpHeader* header) {
             ReadU16(file, &h.reserved2) && ReadU32(file, &h.offBits) &&
             ReadU32(file, &h.headerSize);
   if (!ok) return kSourceFileReadError;
-  if (h.headerSize == kCoreHeaderSize) {
+  if (h.headerSize == kBmpCoreHeaderBytes) {
     ok = ReadI16AsI32(file, &h.width) && ReadI16AsI32(file, &h.height) &&
          ReadU16(file, &h.planes) && ReadU16(file, &h.bitCount);
   } else {
@@ -138,7 +122,7 @@ int32_t ReadBmpPalette(const BmpHeader& header, std::FILE* file, BmpColour palet
                        int32_t* colours) {
   std::fill(palette, palette + 256, BmpColour{0, 0, 0});
   *colours = 0;
-  const long paletteAt = static_cast<long>(header.headerSize) + 14;
+  const long paletteAt = static_cast<long>(header.headerSize) + kBmpFileHeaderBytes;
   if (header.bitCount == 1) {
     // Only the first entry is looked at, and the file position is kept.
     const long here = std::ftell(file);
@@ -156,7 +140,7 @@ int32_t ReadBmpPalette(const BmpHeader& header, std::FILE* file, BmpColour palet
   const int32_t most = header.bitCount <= 8 ? 1 << header.bitCount : 256;
   int64_t count = header.colorsUsed ? int64_t{header.colorsUsed} : most;
   count = std::min<int64_t>(count, most);
-  const int32_t entryBytes = header.headerSize == kCoreHeaderSize ? 3 : 4;
+  const int32_t entryBytes = header.headerSize == kBmpCoreHeaderBytes ? 3 : 4;
   for (int64_t i = 0; i < count; ++i) {
     uint8_t entry[4];
     if (!ReadBytes(file, entry, static_cast<size_t>(entryBytes))) return kBmpPaletteShort;
@@ -201,7 +185,7 @@ int16_t LoadSourceBmp(const char* path, Image** outImage, int16_t hostMode) {
   // Reads go in chunks of whole rows, at most 65000 bytes each. A row longer
   // than a chunk gives no rows a chunk, and nothing is read: the picture
   // stays black.
-  const int64_t rowBytes = FileRowBytes(bits, width);
+  const int64_t rowBytes = BmpRowBytes(bits, width);
   const int64_t rowsPerChunk = kChunkBytes / rowBytes;
   if (rowsPerChunk > 0) {
     std::unique_ptr<uint8_t[]> chunk = AllocateTileWork(kChunkBytes);

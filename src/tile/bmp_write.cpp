@@ -7,20 +7,6 @@
 
 namespace fancy {
 
-namespace {
-
-void PutU16(std::vector<uint8_t>& out, uint32_t v) {
-  out.push_back(static_cast<uint8_t>(v));
-  out.push_back(static_cast<uint8_t>(v >> 8));
-}
-
-void PutU32(std::vector<uint8_t>& out, uint32_t v) {
-  PutU16(out, v & 0xFFFF);
-  PutU16(out, v >> 16);
-}
-
-}  // namespace
-
 int16_t SaveImageBmp(const Image* image, const char* path) {
   if (!image || !path || image->width <= 0 || image->height <= 0) return kSourceFileReadError;
   int32_t bitCount = 0, colours = 0;
@@ -37,25 +23,23 @@ int16_t SaveImageBmp(const Image* image, const char* path) {
       !ImagePixelAddress(image, 0, 0) || !ImagePixelAddress(image, 0, image->height - 1))
     return kSourceFileReadError;
 
-  const uint32_t offBits = static_cast<uint32_t>(colours * 4 + 54);
+  const uint32_t offBits =
+      static_cast<uint32_t>(colours * 4) + kBmpFileHeaderBytes + kBmpInfoHeaderBytes;
   std::vector<uint8_t> out;
   out.reserve(offBits + static_cast<size_t>(imageBytes));
-  PutU16(out, 19778);  // "BM"
-  PutU32(out, static_cast<uint32_t>(imageBytes) + offBits);
-  PutU16(out, 0);
-  PutU16(out, 0);
-  PutU32(out, offBits);
-  PutU32(out, 40);
-  PutU32(out, static_cast<uint32_t>(image->width));
-  PutU32(out, static_cast<uint32_t>(image->height));
-  PutU16(out, 1);  // planes
-  PutU16(out, static_cast<uint32_t>(bitCount));
-  PutU32(out, 0);  // no compression
-  PutU32(out, static_cast<uint32_t>(imageBytes));
-  PutU32(out, 0);  // pixels per metre
-  PutU32(out, 0);
-  PutU32(out, static_cast<uint32_t>(colours));
-  PutU32(out, static_cast<uint32_t>(colours));
+  // Uncompressed, no resolution given.
+  AppendBmpHeaders({.type = kBmpType,
+                    .fileSize = static_cast<uint32_t>(imageBytes) + offBits,
+                    .offBits = offBits,
+                    .headerSize = kBmpInfoHeaderBytes,
+                    .width = image->width,
+                    .height = image->height,
+                    .planes = 1,
+                    .bitCount = static_cast<uint16_t>(bitCount),
+                    .imageSize = static_cast<uint32_t>(imageBytes),
+                    .colorsUsed = static_cast<uint32_t>(colours),
+                    .colorsImportant = static_cast<uint32_t>(colours)},
+                   out);
   for (int32_t i = 0; i < colours; ++i) {
     const uint8_t grey = static_cast<uint8_t>(i);
     out.insert(out.end(), {grey, grey, grey, 0});

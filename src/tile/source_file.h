@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "imaging/bmp_header.h"
 #include "imaging/image.h"
 
 namespace fancy {
@@ -43,27 +44,6 @@ enum : uint32_t {
   kStrTessarisDashWarning = 1254,
   kStrReloadQuestion = 1256,
   kStrFeatherOutside = 1258,
-};
-
-// The BMP headers as read: the file header, then the info header widened
-// from the 12-byte core form when the file has that.
-struct BmpHeader {
-  uint16_t type;          // 19778, "BM"
-  uint32_t fileSize;
-  uint16_t reserved1;
-  uint16_t reserved2;
-  uint32_t offBits;       // where the pixels begin
-  uint32_t headerSize;    // 12 for the core header, else read as 40 bytes
-  int32_t width;
-  int32_t height;
-  uint16_t planes;
-  uint16_t bitCount;
-  uint32_t compression;
-  uint32_t imageSize;
-  int32_t xPelsPerMeter;
-  int32_t yPelsPerMeter;
-  uint32_t colorsUsed;
-  uint32_t colorsImportant;
 };
 
 // Palette classes of ReadBmpPalette.

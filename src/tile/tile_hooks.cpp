@@ -121,14 +121,13 @@ int16_t TileStart(FilterRecord* record, RunSlot* slot, EffectHead* effect) {
   // loaded picture needs none; the first row is asked for so that the tile
   // is made at the next step.
   const Rect16& want = s.sourceRequest;
-  const int16_t hi = static_cast<int16_t>(record->planes - 1);
   if (s.sourceKind == kTileSourceImage) {
     ClearRowRequest(record);
     record->inRect = want;
-    record->inLoPlane = record->outLoPlane = 0;
-    record->inHiPlane = record->outHiPlane = hi;
+    RequestAllPlanes(record);
   } else {
     const int16_t top = record->filterRect.top;
+    const int16_t hi = static_cast<int16_t>(record->planes - 1);
     RequestRows(record, top, static_cast<int16_t>(top + 1), 0, hi);
   }
   s.phase = kTilePhaseMakeTile;

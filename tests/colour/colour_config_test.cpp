@@ -49,11 +49,11 @@ TEST_F(ColourConfig, TablesComeFromTheDataDirectoryAndFlagsFromColorIni) {
   InkName(30, name, sizeof name);  // the first query loads the table
   EXPECT_STREQ(name, "PANTONE Yellow CV");
   EXPECT_EQ(InkTableLoadCount(), 1);
-  EXPECT_TRUE(boxes.boxes.empty());
+  EXPECT_TRUE(boxes.boxes().empty());
 
   ASSERT_EQ(HexTableLoad(), 1);
-  ASSERT_EQ(boxes.boxes.size(), 1u);
-  EXPECT_EQ(boxes.boxes[0].text,
+  ASSERT_EQ(boxes.boxes().size(), 1u);
+  EXPECT_EQ(boxes.boxes()[0].text,
             "Error Reading " + dir_.File("cfg/shared/pantone.hex") + " file.");
   HexName(1, name, sizeof name, true);
   EXPECT_STREQ(name, "Hexachrome Yellow");

@@ -9,7 +9,7 @@
 #include "colour/clr_color.h"
 #include "colour/hex_table.h"
 #include "colour/ink_table.h"
-#include "ui/message_box.h"
+#include "support/message_boxes.h"
 
 namespace fancy::testing {
 
@@ -43,25 +43,6 @@ struct RGB {
   bool operator==(const RGB&) const = default;
 };
 inline RGB RGBOf(const CLRColor& c) { return {c.value8[2], c.value8[1], c.value8[0]}; }
-
-// Collects the message boxes shown while it lives, answering OK.
-class MessageBoxRecorder {
- public:
-  struct Box {
-    std::string text, caption;
-    uint32_t flags;
-  };
-  MessageBoxRecorder() {
-    SetMessageBoxHandler([this](void*, const char* text, const char* caption, uint32_t flags) {
-      boxes.push_back({text ? text : "", caption ? caption : "", flags});
-      return kIdOk;
-    });
-  }
-  ~MessageBoxRecorder() { SetMessageBoxHandler(nullptr); }
-  MessageBoxRecorder(const MessageBoxRecorder&) = delete;
-  MessageBoxRecorder& operator=(const MessageBoxRecorder&) = delete;
-  std::vector<Box> boxes;
-};
 
 // Sets one colour setting for a scope, through its setter.
 class ScopedSetting {

@@ -107,7 +107,7 @@ TEST_F(HexTableTest, ReadsEveryRecordAndAnswersQueries) {
   ASSERT_EQ(HexTableLoad(), 1);  // counted: the data directory is not read
   EXPECT_EQ(HexTableLoadCount(), 2);
   HexTableRelease();
-  EXPECT_TRUE(boxes.boxes.empty());
+  EXPECT_TRUE(boxes.boxes().empty());
 
   EXPECT_EQ(Name(0, false), "BLACK");
   EXPECT_EQ(Name(1000, false), "unknown PANTONE color 1000");
@@ -185,10 +185,10 @@ TEST_F(HexTableTest, DamagedFilesFallBackToTheBuiltInInk) {
     {
       MessageBoxRecorder boxes;
       ASSERT_EQ(HexTableLoadFile(path.c_str()), 1);
-      ASSERT_EQ(boxes.boxes.size(), 1u);
-      EXPECT_EQ(boxes.boxes[0].text, "Error Reading " + path + " file.");
-      EXPECT_EQ(boxes.boxes[0].caption, "Tavin Color Manager");
-      EXPECT_EQ(boxes.boxes[0].flags, 8240u);
+      ASSERT_EQ(boxes.boxes().size(), 1u);
+      EXPECT_EQ(boxes.boxes()[0].text, "Error Reading " + path + " file.");
+      EXPECT_EQ(boxes.boxes()[0].caption, "Tavin Color Manager");
+      EXPECT_EQ(boxes.boxes()[0].flags, 8240u);
     }
     ExpectBuiltInOnly();
     testing::ReleaseColourTables();
@@ -199,15 +199,15 @@ TEST_F(HexTableTest, DamagedFilesFallBackToTheBuiltInInk) {
   {
     MessageBoxRecorder boxes;
     HexTableLoadFile(missing.c_str());
-    ASSERT_EQ(boxes.boxes.size(), 1u);
-    EXPECT_EQ(boxes.boxes[0].text, "Error Opening " + missing + " file.");
+    ASSERT_EQ(boxes.boxes().size(), 1u);
+    EXPECT_EQ(boxes.boxes()[0].text, "Error Opening " + missing + " file.");
   }
   ExpectBuiltInOnly();
   testing::ReleaseColourTables();
   {
     MessageBoxRecorder boxes;
     HexTableLoadBytes(damaged[0].data(), damaged[0].size());
-    EXPECT_TRUE(boxes.boxes.empty());
+    EXPECT_TRUE(boxes.boxes().empty());
   }
   ExpectBuiltInOnly();
 }

@@ -163,10 +163,10 @@ TEST(InkTable, UnreadableFileFallsBackToOneInk) {
   {
     MessageBoxRecorder boxes;
     EXPECT_EQ(InkTableLoadFile(path.c_str()), 1);
-    ASSERT_EQ(boxes.boxes.size(), 1u);
-    EXPECT_EQ(boxes.boxes[0].caption, "Tavin Color Manager");
-    EXPECT_EQ(boxes.boxes[0].text, "Error Opening " + path + " file.");
-    EXPECT_EQ(boxes.boxes[0].flags, 8240u);
+    ASSERT_EQ(boxes.boxes().size(), 1u);
+    EXPECT_EQ(boxes.boxes()[0].caption, "Tavin Color Manager");
+    EXPECT_EQ(boxes.boxes()[0].text, "Error Opening " + path + " file.");
+    EXPECT_EQ(boxes.boxes()[0].flags, 8240u);
   }
   EXPECT_EQ(InkRGBOf(1), (RGB{249, 245, 131}));
   CLRColor given;

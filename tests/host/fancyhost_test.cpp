@@ -1,5 +1,4 @@
 // fancyhost run as a user runs it, on pictures the tests make.
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -12,10 +11,12 @@
 namespace fancy {
 namespace {
 
+using testing::Contains;
 using testing::Exists;
 using testing::Lines;
 using testing::ReadPicture;
 using testing::RunFancyhost;
+using testing::RunInterruptedAt;
 using testing::RunResult;
 using testing::TestPicture;
 using testing::WritePicture;
@@ -36,10 +37,6 @@ class Fancyhost : public ::testing::Test {
   }
   fancy::testing::TempDir dir;
 };
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 TEST_F(Fancyhost, BadInputsExit3AndWriteNothing) {
   std::string good = Picture("good.bmp", PixelMode::kRGB);
@@ -233,15 +230,8 @@ TEST_F(Fancyhost, CtrlCCancelsWithTheModulesCodeAndWritesNothing) {
   std::string in = Picture("tall.png", PixelMode::kRGB, 64, 2000);
   std::string out = dir.File("out.png"), params = dir.File("cancelled.params");
   bool sent = false;
-  RunResult r = RunFancyhost({"apply", "brushka", in, out, "--trace", "--params", params},
-                             dir.File("home"),
-                             {{"FANCYHOST_TEST_STEP_DELAY_MS", "5"}},
-                             [&](const std::string& line, int pid) {
-                               if (!sent && line == "call 4 result 0") {
-                                 kill(pid, SIGINT);
-                                 sent = true;
-                               }
-                             });
+  RunResult r = RunInterruptedAt({"apply", "brushka", in, out, "--trace", "--params", params},
+                                 dir.File("home"), "5", "call 4 result 0", &sent);
   ASSERT_TRUE(sent) << r.out;
   EXPECT_EQ(r.exitCode, 130) << r.err;
   EXPECT_TRUE(Contains(r.out, "result -128")) << r.out;

@@ -10,6 +10,7 @@
 namespace fancy {
 namespace {
 
+using testing::Contains;
 using testing::Exists;
 using testing::ReadPicture;
 using testing::RunFancyhost;
@@ -35,10 +36,6 @@ class ReliefHost : public ::testing::Test {
   std::string PresetFile() { return dir.File("home/Tavin/Fancy/Host/PLGPARAM.INI"); }
   fancy::testing::TempDir dir;
 };
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 TEST_F(ReliefHost, BothEffectsChangeTheSelectionOnlyInEveryMode) {
   const std::string mask = Disc(96, 72, 22);

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 
@@ -81,6 +82,22 @@ RunResult RunFancyhost(const std::vector<std::string>& args, const std::string& 
   if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
   else if (WIFSIGNALED(status)) result.exitCode = 128 + WTERMSIG(status);
   return result;
+}
+
+RunResult RunInterruptedAt(const std::vector<std::string>& args, const std::string& home,
+                           const std::string& delayMs, const std::string& at, bool* sent) {
+  *sent = false;
+  return RunFancyhost(args, home, {{"FANCYHOST_TEST_STEP_DELAY_MS", delayMs}},
+                      [&](const std::string& line, int pid) {
+                        if (!*sent && line == at) {
+                          kill(pid, SIGINT);
+                          *sent = true;
+                        }
+                      });
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
 }
 
 std::vector<std::string> Lines(const std::string& text) {

@@ -26,6 +26,15 @@ RunResult RunFancyhost(const std::vector<std::string>& args, const std::string& 
                        const std::map<std::string, std::string>& env = {},
                        const std::function<void(const std::string& line, int pid)>& onLine = {});
 
+// Runs fancyhost with FANCYHOST_TEST_STEP_DELAY_MS set to delayMs, so that
+// the run is surely still going, and sends it SIGINT when standard output
+// first shows the line `at`. *sent tells whether the signal went.
+RunResult RunInterruptedAt(const std::vector<std::string>& args, const std::string& home,
+                           const std::string& delayMs, const std::string& at, bool* sent);
+
+// Whether text holds part.
+bool Contains(const std::string& text, const std::string& part);
+
 // Lines of a text.
 std::vector<std::string> Lines(const std::string& text);
 

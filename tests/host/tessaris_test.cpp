@@ -2,7 +2,6 @@
 // its tile's period and its group's symmetries over the whole picture;
 // grey, RGB and CMYK run; a BMP source, a refused RLE source, Ctrl-C during
 // the tile, a picture too small, and parameters kept between runs.
-#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <set>
@@ -19,16 +18,14 @@
 namespace fancy {
 namespace {
 
+using testing::Contains;
 using testing::Exists;
 using testing::Lines;
 using testing::ReadPicture;
 using testing::RunFancyhost;
+using testing::RunInterruptedAt;
 using testing::RunResult;
 using testing::WritePicture;
-
-bool Contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
-}
 
 // Noise with a slow gradient under it: no two places alike, so that any
 // repetition in the output comes from the tile.
@@ -334,14 +331,8 @@ TEST_F(Tessaris, CtrlCDuringTheTileCancelsAndWritesNothing) {
   const std::string in = Input("in.png", 120, 64);
   const std::string out = dir.File("out.png");
   bool sent = false;
-  RunResult r = RunFancyhost({"apply", "tessaris", in, out, "--trace"}, dir.File("home"),
-                             {{"FANCYHOST_TEST_STEP_DELAY_MS", "400"}},
-                             [&](const std::string& line, int pid) {
-                               if (!sent && line == "call 3 result 0") {
-                                 kill(pid, SIGINT);
-                                 sent = true;
-                               }
-                             });
+  RunResult r = RunInterruptedAt({"apply", "tessaris", in, out, "--trace"}, dir.File("home"), "400",
+                                 "call 3 result 0", &sent);
   ASSERT_TRUE(sent) << r.out;
   EXPECT_EQ(r.exitCode, 130) << r.err;
   const std::vector<std::string> lines = Lines(r.out);

@@ -2,7 +2,6 @@
 // conversions through working types, tiled images and progress.
 #include <gtest/gtest.h>
 
-#include <random>
 #include <vector>
 
 #include "image_fixtures.h"
@@ -21,19 +20,13 @@ using testing::At;
 using testing::Generate;
 using testing::MakeImage;
 using testing::Pixels;
+using testing::Random;
 
 class Composite : public ::testing::Test {
  protected:
   void SetUp() override { ImagingInit(); }
   void TearDown() override { ImagingShutdown(); }
 };
-
-std::vector<uint8_t> Random(size_t n, uint32_t seed) {
-  std::mt19937 rng(seed);
-  std::vector<uint8_t> v(n);
-  for (auto& b : v) b = static_cast<uint8_t>(rng());
-  return v;
-}
 
 int Merge(DrawContext* context, Image* dst, Image* src, uint32_t mode) {
   return CompositeImage(context, dst, 0, 0, dst->width, dst->height, nullptr, src, 0, 0,

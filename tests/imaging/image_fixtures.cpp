@@ -47,6 +47,13 @@ bool AllUnlocked(const Image* image) {
   return true;
 }
 
+std::vector<uint8_t> Random(size_t n, uint32_t seed) {
+  std::mt19937 rng(seed);
+  std::vector<uint8_t> v(n);
+  for (auto& b : v) b = static_cast<uint8_t>(rng());
+  return v;
+}
+
 std::vector<uint8_t> RandomContent(Image* image, uint32_t seed) {
   std::mt19937 rng(seed);
   int32_t rowBytes = ImageRowBytesFor(image->bitsPerPixel, image->width);

@@ -28,6 +28,10 @@ void SetPixel(uint8_t* row, int32_t bits, int64_t x, uint64_t value);
 // Every cell of the image has no lock outstanding.
 bool AllUnlocked(const Image* image);
 
+// n bytes from a generator seeded with seed: the same bytes for the same
+// seed on every run.
+std::vector<uint8_t> Random(size_t n, uint32_t seed);
+
 // An image of the type with its whole content set to random pixels through
 // the model; answers the model (rows of ImageRowBytesFor bytes).
 std::vector<uint8_t> RandomContent(Image* image, uint32_t seed);

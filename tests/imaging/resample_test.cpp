@@ -19,6 +19,7 @@ using testing::Generate;
 using testing::ImagePtr;
 using testing::MakeImage;
 using testing::Pixels;
+using testing::Random;
 
 class Resample : public ::testing::Test {
  protected:
@@ -43,13 +44,6 @@ class Resample : public ::testing::Test {
 
   DrawContext* context_ = nullptr;
 };
-
-std::vector<uint8_t> Random(size_t n, uint32_t seed) {
-  std::mt19937 rng(seed);
-  std::vector<uint8_t> v(n);
-  for (auto& b : v) b = static_cast<uint8_t>(rng());
-  return v;
-}
 
 TEST_F(Resample, HalvingAndDoublingRows) {
   auto row = MakeImage(kImageGrey8, 4, 1, {0, 255, 0, 255});

@@ -4,44 +4,21 @@
 
 #include <filesystem>
 
-#include "config/config.h"
-#include "config/color_settings.h"
-#include "platform/registry.h"
 #include "stroke/paint_pass.h"
 #include "stroke/placement.h"
+#include "support/bmp_bytes.h"
+#include "support/config_folder.h"
 
 namespace fancy::testing {
-
-namespace {
-
-void Put16(std::string& out, uint32_t v) {
-  out.push_back(static_cast<char>(v & 0xFF));
-  out.push_back(static_cast<char>((v >> 8) & 0xFF));
-}
-void Put32(std::string& out, uint32_t v) {
-  Put16(out, v & 0xFFFF);
-  Put16(out, v >> 16);
-}
-
-}  // namespace
 
 StyleFolder::StyleFolder() {
   std::filesystem::create_directories(temp_.File("Config"));
   std::filesystem::create_directories(temp_.File("Plugins"));
   temp_.Write("Config/tavinapp.ini", "[Config]\nPixelboxDir=host\n");
-  RegistrySetStorePath(temp_.File("registry.ini"));
-  ConfigSetProduct("Fancy", "8.00");
-  if (!RegistryWriteString("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavin\\Fancy\\8.00", "ConfigDir",
-                           temp_.File("Config").c_str()))
-    ADD_FAILURE() << "cannot write the registry stand-in";
-  ConfigReset();
+  PointConfigAt(temp_, temp_.File("Config"));
 }
 
-StyleFolder::~StyleFolder() {
-  RegistrySetStorePath("");
-  ConfigReset();
-  ColorSettingsReset();
-}
+StyleFolder::~StyleFolder() { EndConfigFolder(); }
 
 std::string StyleFolder::WriteStyleFile(const std::string& text) const {
   return temp_.Write("Plugins/brushka.ini", text);

@@ -10,25 +10,31 @@
 
 namespace fancy::testing {
 
+void PointConfigAt(const TempDir& temp, const std::string& configDir) {
+  RegistrySetStorePath(temp.File("registry.ini"));
+  ConfigSetProduct("Fancy", "8.00");
+  std::string key = std::string("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavin\\") + ConfigProduct() + "\\" +
+                    ConfigVersion();
+  if (!RegistryWriteString(key.c_str(), "ConfigDir", configDir.c_str()))
+    ADD_FAILURE() << "cannot write the registry stand-in";
+  ConfigReset();
+}
+
+void EndConfigFolder() {
+  RegistrySetStorePath("");
+  ConfigReset();
+  ColorSettingsReset();
+}
+
 ConfigFolder::ConfigFolder(const std::string& extraAppIni) {
   std::filesystem::create_directories(temp_.File("cfg/host"));
   std::filesystem::create_directories(temp_.File("cfg/programs"));
   temp_.Write("cfg/tavinapp.ini",
               "[Config]\nPixelboxDir=host\nProgramsDir=programs\n" + extraAppIni);
-  RegistrySetStorePath(temp_.File("registry.ini"));
-  ConfigSetProduct("Fancy", "8.00");
-  std::string key = std::string("HKEY_LOCAL_MACHINE\\SOFTWARE\\Tavin\\") + ConfigProduct() + "\\" +
-                    ConfigVersion();
-  if (!RegistryWriteString(key.c_str(), "ConfigDir", temp_.File("cfg").c_str()))
-    ADD_FAILURE() << "cannot write the registry stand-in";
-  ConfigReset();
+  PointConfigAt(temp_, temp_.File("cfg"));
   ColorSettingsReset();
 }
 
-ConfigFolder::~ConfigFolder() {
-  RegistrySetStorePath("");
-  ConfigReset();
-  ColorSettingsReset();
-}
+ConfigFolder::~ConfigFolder() { EndConfigFolder(); }
 
 }  // namespace fancy::testing

@@ -11,6 +11,14 @@
 
 namespace fancy::testing {
 
+// The steps under ConfigFolder, for fixtures that lay out a folder of their
+// own: a registry stand-in in temp's registry.ini names configDir as the
+// product's configuration folder, and the configuration forgets what it
+// had found. EndConfigFolder lets go of the stand-in and forgets again,
+// colour settings too.
+void PointConfigAt(const TempDir& temp, const std::string& configDir);
+void EndConfigFolder();
+
 class ConfigFolder {
  public:
   // extraAppIni: more lines for tavinapp.ini, after the "[Config]" keys.

@@ -236,9 +236,20 @@ void TestHost::Deliver() {
   auto planesOk = [&](int16_t lo, int16_t hi) {
     return lo >= 0 && lo <= hi && (hi < image_.planes || image_.planes == 1);
   };
-  // The value a host hands for plane q of a pixel: grey fills every plane.
-  auto source = [&](int32_t x, int32_t y, int32_t q) -> uint8_t {
-    return image_.at(x, y, q < image_.planes ? q : 0);
+  // Planes lo..hi of r's pixels of from into buffer, each row padded and one
+  // byte of padding past the last; the buffer's start is handed out. A host
+  // hands a grey image's one plane for every plane asked for.
+  auto fill = [](const HostImage& from, const Rect16& r, int16_t lo, int16_t hi,
+                 std::vector<uint8_t>& buffer, int32_t* rowBytes) {
+    const int32_t n = hi - lo + 1;
+    *rowBytes = (r.right - r.left) * n + kRowPadding;
+    buffer.assign(static_cast<size_t>(*rowBytes) * (r.bottom - r.top) + 1, kPadding);
+    for (int32_t y = r.top; y < r.bottom; ++y)
+      for (int32_t x = r.left; x < r.right; ++x)
+        for (int32_t q = 0; q < n; ++q)
+          buffer[static_cast<size_t>(y - r.top) * *rowBytes + (x - r.left) * n + q] =
+              from.at(x, y, lo + q < from.planes ? lo + q : 0);
+    return buffer.data();
   };
 
   if (!IsEmpty(in)) {
@@ -246,33 +257,16 @@ void TestHost::Deliver() {
       ADD_FAILURE() << "inRect or in planes outside the image";
       return;
     }
-    int32_t n = record_.inHiPlane - record_.inLoPlane + 1;
-    int32_t width = in.right - in.left;
-    record_.inRowBytes = width * n + kRowPadding;
-    inBuffer_.assign(static_cast<size_t>(record_.inRowBytes) * (in.bottom - in.top) + 1, kPadding);
-    for (int32_t y = in.top; y < in.bottom; ++y)
-      for (int32_t x = in.left; x < in.right; ++x)
-        for (int32_t q = 0; q < n; ++q)
-          inBuffer_[static_cast<size_t>(y - in.top) * record_.inRowBytes + (x - in.left) * n + q] =
-              source(x, y, record_.inLoPlane + q);
-    record_.inData = inBuffer_.data();
+    record_.inData =
+        fill(image_, in, record_.inLoPlane, record_.inHiPlane, inBuffer_, &record_.inRowBytes);
   }
   if (!IsEmpty(out)) {
     if (!inside(out) || !planesOk(record_.outLoPlane, record_.outHiPlane)) {
       ADD_FAILURE() << "outRect or out planes outside the image";
       return;
     }
-    int32_t n = record_.outHiPlane - record_.outLoPlane + 1;
-    int32_t width = out.right - out.left;
-    record_.outRowBytes = width * n + kRowPadding;
-    outBuffer_.assign(static_cast<size_t>(record_.outRowBytes) * (out.bottom - out.top) + 1,
-                      kPadding);
-    for (int32_t y = out.top; y < out.bottom; ++y)
-      for (int32_t x = out.left; x < out.right; ++x)
-        for (int32_t q = 0; q < n; ++q)
-          outBuffer_[static_cast<size_t>(y - out.top) * record_.outRowBytes + (x - out.left) * n +
-                     q] = source(x, y, record_.outLoPlane + q);
-    record_.outData = outBuffer_.data();
+    record_.outData =
+        fill(image_, out, record_.outLoPlane, record_.outHiPlane, outBuffer_, &record_.outRowBytes);
     pending_ = true;
     pendingOut_ = out;
     pendingLo_ = record_.outLoPlane;
@@ -284,15 +278,7 @@ void TestHost::Deliver() {
       ADD_FAILURE() << "maskRect outside the image";
       return;
     }
-    int32_t width = m.right - m.left;
-    record_.maskRowBytes = width + kRowPadding;
-    maskBuffer_.assign(static_cast<size_t>(record_.maskRowBytes) * (m.bottom - m.top) + 1,
-                       kPadding);
-    for (int32_t y = m.top; y < m.bottom; ++y)
-      for (int32_t x = m.left; x < m.right; ++x)
-        maskBuffer_[static_cast<size_t>(y - m.top) * record_.maskRowBytes + (x - m.left)] =
-            mask_.at(x, y, 0);
-    record_.maskData = maskBuffer_.data();
+    record_.maskData = fill(mask_, m, 0, 0, maskBuffer_, &record_.maskRowBytes);
   }
 }
 
