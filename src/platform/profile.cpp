@@ -22,8 +22,9 @@ uint32_t CopyValue(std::string_view value, char* buffer, uint32_t size) {
 
 // Copies a list of zero-terminated strings ended by a second zero. A list
 // that does not fit, or only just fits (strings, their zeros and the final
-// zero fill the buffer exactly), is cut to size - 2 characters, its last
-// string cut short, and closed by two zeros; the count then is size - 2.
+// zero fill the buffer exactly), is cut to size - 2 characters and closed by
+// two zeros, its last string short (or, when it just fits, whole but for its
+// zero); the count then is size - 2.
 uint32_t CopyList(const std::vector<std::string>& items, char* buffer, uint32_t size) {
   std::string joined;
   for (const std::string& item : items) {
