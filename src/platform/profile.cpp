@@ -21,15 +21,17 @@ uint32_t CopyValue(std::string_view value, char* buffer, uint32_t size) {
 }
 
 // Copies a list of zero-terminated strings ended by a second zero. A list
-// that does not fit is cut to size - 2 characters, its last string cut short,
-// and closed by two zeros; the count then is size - 2.
+// that does not fit, or only just fits (strings, their zeros and the final
+// zero fill the buffer exactly), is cut to size - 2 characters and closed by
+// two zeros, its last string short (or, when it just fits, whole but for its
+// zero); the count then is size - 2.
 uint32_t CopyList(const std::vector<std::string>& items, char* buffer, uint32_t size) {
   std::string joined;
   for (const std::string& item : items) {
     joined += item;
     joined += '\0';
   }
-  if (joined.size() + 1 <= size) {
+  if (joined.size() + 1 < size || joined.empty()) {
     std::memcpy(buffer, joined.data(), joined.size());
     buffer[joined.size()] = '\0';
     if (joined.empty() && size >= 2) buffer[1] = '\0';
@@ -45,17 +47,16 @@ uint32_t CopyList(const std::vector<std::string>& items, char* buffer, uint32_t 
   return size - 2;
 }
 
-void AddDistinct(std::vector<std::string>* names, std::string_view name) {
-  if (name.empty()) return;
-  for (const std::string& known : *names)
-    if (ProfileNameEqual(known, name)) return;
-  names->emplace_back(name);
+// Names are listed each time they occur. An empty name is left out: its
+// empty string would read as the end of the list.
+void AddName(std::vector<std::string>* names, std::string_view name) {
+  if (!name.empty()) names->emplace_back(name);
 }
 
 std::vector<std::string> SectionNames(const ProfileText& profile) {
   std::vector<std::string> names;
   for (const ProfileLine& line : profile.lines)
-    if (line.kind == ProfileLineKind::kSection) AddDistinct(&names, profile.Name(line));
+    if (line.kind == ProfileLineKind::kSection) AddName(&names, profile.Name(line));
   return names;
 }
 
@@ -65,7 +66,7 @@ std::vector<std::string> KeyNames(const ProfileText& profile, int header) {
   size_t end = ProfileSectionEnd(profile, static_cast<size_t>(header));
   for (size_t i = static_cast<size_t>(header) + 1; i < end; ++i)
     if (profile.lines[i].kind == ProfileLineKind::kKey)
-      AddDistinct(&names, profile.Name(profile.lines[i]));
+      AddName(&names, profile.Name(profile.lines[i]));
   return names;
 }
 
@@ -82,20 +83,23 @@ std::string_view StripQuotes(std::string_view value) {
 // The line end of new lines: the file's own (that of its first line), and
 // "\r\n" for a file that has none yet, the form the sibling programs write.
 std::string LineEnd(const std::string& text) {
-  size_t newline = text.find('\n');
-  if (newline != std::string::npos && (newline == 0 || text[newline - 1] != '\r')) return "\n";
-  return "\r\n";
+  size_t brk = text.find_first_of("\r\n");
+  if (brk == std::string::npos || text.compare(brk, 2, "\r\n") == 0) return "\r\n";
+  return text.substr(brk, 1);
 }
 
-bool HasLineBreak(const char* s) { return std::strpbrk(s, "\r\n") != nullptr; }
+bool HasLineBreak(std::string_view s) { return s.find_first_of("\r\n") != std::string_view::npos; }
 
-// A key name that reads back as the same key once written.
-bool IsWritableKey(const char* key) {
-  std::string_view k(key);
-  size_t s = k.find_first_not_of(" \t");
-  if (s == std::string_view::npos) return false;
-  return !HasLineBreak(key) && k.find('=') == std::string_view::npos && k[s] != ';' &&
-         k[s] != '[';
+// A section or key name, spaces round it off, that reads back as the same
+// name once written: not empty, no line break, no other blank at either end
+// (the read would take it off the name in the file but not off the name
+// asked for), no "]" in a section, no "=" in a key nor ";" or "[" first.
+bool IsWritableName(std::string_view name, bool key) {
+  if (name.empty() || HasLineBreak(name)) return false;
+  const char* blanks = "\t\v\f";
+  if (std::strchr(blanks, name.front()) || std::strchr(blanks, name.back())) return false;
+  if (!key) return name.find(']') == std::string_view::npos;
+  return name.find('=') == std::string_view::npos && name.front() != ';' && name.front() != '[';
 }
 
 // Inserts line (with its line end) after the line at index, giving that line
@@ -117,7 +121,8 @@ std::string SetValue(const ProfileText& profile, std::string_view section, std::
   int header = ProfileFindSection(profile, section);
   if (header < 0) {
     std::string out = profile.text;
-    if (!out.empty() && out.back() != '\n') out += eol;
+    if (!profile.lines.empty() && profile.lines.back().contentEnd == profile.lines.back().end)
+      out += eol;
     out.append("[").append(section).append("]").append(eol);
     out.append(key).append("=").append(value).append(eol);
     return out;
@@ -126,7 +131,7 @@ std::string SetValue(const ProfileText& profile, std::string_view section, std::
   int found = ProfileFindKey(profile, static_cast<size_t>(header), key);
   if (found >= 0) {
     const ProfileLine& line = profile.lines[found];
-    if (line.hasValue && profile.Value(line) == value) return profile.text;
+    if (profile.Value(line) == value) return profile.text;
     // The key keeps its spelling in the file; only its value changes.
     std::string out = profile.text.substr(0, line.begin);
     out.append(profile.Name(line)).append("=").append(value);
@@ -198,7 +203,7 @@ uint32_t ProfileGetString(const char* section, const char* key, const char* defa
 
   if (!section) return CopyList(SectionNames(profile), buffer, size);
 
-  int header = ProfileFindSection(profile, section);
+  int header = ProfileFindSection(profile, ProfileRequestName(section));
   if (!key) {
     // The key names; a section without any answers the default instead.
     std::vector<std::string> names = KeyNames(profile, header);
@@ -211,9 +216,13 @@ uint32_t ProfileGetString(const char* section, const char* key, const char* defa
   }
 
   if (header >= 0) {
-    int line = ProfileFindKey(profile, static_cast<size_t>(header), key);
-    if (line >= 0 && profile.lines[line].hasValue)
-      return CopyValue(StripQuotes(profile.Value(profile.lines[line])), buffer, size);
+    int line = ProfileFindKey(profile, static_cast<size_t>(header), ProfileRequestName(key));
+    if (line >= 0) {
+      // The length of a value is kept in 16 bits: a value of 65536
+      // characters or more reads as its first (length mod 65536).
+      std::string_view value = StripQuotes(profile.Value(profile.lines[line]));
+      return CopyValue(value.substr(0, value.size() % 65536u), buffer, size);
+    }
   }
   return CopyValue(fallback, buffer, size);
 }
@@ -253,14 +262,14 @@ uint32_t ProfileGetSection(const char* section, char* buffer, uint32_t size, con
     ProfileText profile;
     bool exists = false;
     ProfileLoad(path, &profile, &exists);
-    int header = ProfileFindSection(profile, section);
+    int header = ProfileFindSection(profile, ProfileRequestName(section));
     if (header >= 0) {
       size_t end = ProfileSectionEnd(profile, static_cast<size_t>(header));
       for (size_t i = static_cast<size_t>(header) + 1; i < end; ++i) {
         const ProfileLine& line = profile.lines[i];
-        if (line.kind != ProfileLineKind::kKey || line.nameBegin == line.nameEnd) continue;
+        if (line.kind != ProfileLineKind::kKey && line.kind != ProfileLineKind::kText) continue;
         std::string entry(profile.Name(line));
-        if (line.hasValue) entry.append("=").append(profile.Value(line));
+        if (line.kind == ProfileLineKind::kKey) entry.append("=").append(profile.Value(line));
         lines.push_back(std::move(entry));
       }
     }
@@ -272,8 +281,12 @@ bool ProfileWriteString(const char* section, const char* key, const char* value,
                         const char* path) {
   // Every write is on disk when it returns: the flush has nothing left to do.
   if (!section && !key && !value) return true;
-  if (!section || !section[0] || HasLineBreak(section) || !path || !path[0]) return false;
-  if (key && !IsWritableKey(key)) return false;
+  if (!section || !path || !path[0]) return false;
+  // Names are written without the spaces round them, as they are read.
+  std::string_view sectionName = ProfileRequestName(section);
+  std::string_view keyName = key ? ProfileRequestName(key) : std::string_view();
+  if (!IsWritableName(sectionName, false) || (key && !IsWritableName(keyName, true)))
+    return false;
   if (key && value && HasLineBreak(value)) return false;
 
   ProfileText profile;
@@ -282,15 +295,17 @@ bool ProfileWriteString(const char* section, const char* key, const char* value,
 
   std::string updated;
   if (!key) {
-    updated = DeleteSection(profile, section);
+    updated = DeleteSection(profile, sectionName);
   } else if (!value) {
-    updated = DeleteKey(profile, section, key);
+    updated = DeleteKey(profile, sectionName, keyName);
   } else {
-    updated = SetValue(profile, section, key, value);
+    updated = SetValue(profile, sectionName, keyName, value);
   }
   if (exists && updated == profile.text) return true;
   if (!exists && updated.empty()) return true;  // nothing to remove from no file
-  return WriteFileAtomic(path, updated.data(), updated.size());
+  // A UTF-16 file stays UTF-16; every line not changed keeps its bytes.
+  std::string bytes = ProfileFileBytes(profile, updated);
+  return WriteFileAtomic(path, bytes.data(), bytes.size());
 }
 
 }  // namespace fancy

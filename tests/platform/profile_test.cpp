@@ -112,20 +112,47 @@ TEST(Profile, ReadsValuesLikeTheSystemCalls) {
   EXPECT_STREQ(buffer, "d");
 }
 
-TEST(Profile, LineEndsByteOrderMarkAndLastLine) {
+// Small files, each with the answer the Windows calls give.
+TEST(Profile, ReadsSmallFilesAsWindowsDoes) {
+  using namespace std::string_literals;
+  struct Case {
+    std::string text;
+    const char *section, *key, *expected;
+  } cases[] = {
+      {"[A]\r\nKey=value\r\nNext = two \r\n", "A", "Next", "two"},
+      {"[A]\nKey=last", "A", "Key", "last"},
+      {"[A]\nKey=a\0b\n"s, "A", "Key", "a"},
+      // Spaces round the names asked for go; other blanks stay.
+      {"[s]\nk=v\n", "  s ", " k  ", "v"},
+      {"[s]\nk=v\n", "s", "\tk", "d"},
+      // Blanks inside a header, an unclosed header, a "]" in the name.
+      {"[ s\t]\nk=v\n", "S", "k", "v"},
+      {"[s  \nk=v\n", "s", "k", "v"},
+      {"[a]b]\nk=v\n", "a", "k", "v"},
+      {"[a]b]\nk=v\n", "a]b", "k", "d"},
+      {"[s]k=v\n", "s", "k", "d"},
+      {"[]\nk=v\n", "", "k", "v"},
+      {"[s]\n=v\n", "s", "", "v"},
+      // A line without "=" is no key.
+      {"[s]\nk\nk=v\n", "s", "k", "v"},
+      // A lone carriage return ends a line.
+      {"[s]\rk=v\rj=w\n\rx=y", "s", "j", "w"},
+      {"[s]\rk=v\rj=w\n\rx=y", "s", "x", "y"},
+      // The UTF-8 mark is part of the first line; UTF-16LE is read, BE not.
+      {"\xEF\xBB\xBF[s]\nk=v\n", "s", "k", "d"},
+      {"\xEF\xBB\xBF\n[s]\nk=v\n", "s", "k", "v"},
+      {"\xFF\xFE[\0s\0]\0\r\0k\0=\0\xE9\0\x3D\xD8\x00\xDE"s, "s", "k", "\xC3\xA9\xF0\x9F\x98\x80"},
+      {"\xFE\xFF\0[\0s\0]\0\n\0k\0=\0v\0\n"s, "s", "k", "d"},
+  };
   TempDir dir;
-  std::string crlf = dir.Write("crlf.ini", "[A]\r\nKey=value\r\nNext = two \r\n");
-  EXPECT_EQ(Get("A", "Key", "", crlf), "value");
-  EXPECT_EQ(Get("A", "Next", "", crlf), "two");
+  for (const Case& c : cases)
+    EXPECT_EQ(Get(c.section, c.key, "d", dir.Write("c.ini", c.text)), c.expected) << c.text;
 
-  std::string noNewline = dir.Write("nonl.ini", "[A]\nKey=last");
-  EXPECT_EQ(Get("A", "Key", "", noNewline), "last");
-
-  std::string bom = dir.Write("bom.ini", "\xEF\xBB\xBF[A]\r\nKey=v\r\n");
-  EXPECT_EQ(Get("A", "Key", "", bom), "v");
-
-  std::string junk = dir.Write("junk.ini", std::string("[A]\nKey=a\0b\n[B\nX=1\n", 18));
-  EXPECT_EQ(Get("A", "X", "none", junk), "1");  // "[B" without "]" is no header
+  // A value's length is kept in 16 bits.
+  std::string path = dir.Write("long.ini", "[s]\nk=" + std::string(65537, 'x') + "\n");
+  EXPECT_EQ(Get("s", "k", "", path), "x");
+  dir.Write("long.ini", "[s]\nk=" + std::string(65535, 'x') + "\n");
+  EXPECT_EQ(Get("s", "k", "", path, 70000).size(), 65535u);
 }
 
 TEST(Profile, ReadsIntegers) {
@@ -174,24 +201,25 @@ TEST(Profile, ListsSectionsKeysAndLinesWithTheirLimits) {
   std::string path = dir.Write("a.ini", kSample);
   uint32_t n = 0;
 
-  // Section names in file order, each once, the first spelling.
-  EXPECT_EQ(GetList(nullptr, path, 256, &n), (std::vector<std::string>{"Styles", "Numbers"}));
-  EXPECT_EQ(n, std::strlen("Styles") + 1 + std::strlen("Numbers") + 1);
+  // Section names in file order, each time they occur.
+  EXPECT_EQ(GetList(nullptr, path, 24, &n),
+            (std::vector<std::string>{"Styles", "styles", "Numbers"}));
+  EXPECT_EQ(n, 22u);
 
-  // Key names of the first section: comments left out, a line without "="
-  // listed, duplicates once.
+  // Key names of the first section: comments and a line without "=" left
+  // out, duplicates each time.
   EXPECT_EQ(GetList("styles", path, 512),
             (std::vector<std::string>{"BrushName", "Quoted", "Single", "HalfQuote", "Mixed",
-                                      "Empty", "EmptyQuotes", "NoEquals", "Inner Blank", "Dup"}));
+                                      "Empty", "EmptyQuotes", "Inner Blank", "Dup", "Dup"}));
 
-  // Exact fit: "Styles\0Numbers\0\0" is 16 bytes, the count 15.
-  EXPECT_EQ(GetList(nullptr, path, 16, &n).size(), 2u);
-  EXPECT_EQ(n, 15u);
-  // One byte short: cut to size - 2, the last name short, two zeros.
-  std::vector<char> buffer(15, '#');
-  n = ProfileGetString(nullptr, nullptr, "", buffer.data(), 15, path.c_str());
-  EXPECT_EQ(n, 13u);
-  EXPECT_EQ(std::string(buffer.data(), 15), std::string("Styles\0Number\0\0", 15));
+  // An exact fit (23 bytes with the final zero) counts as cut: size - 2,
+  // though the names are whole. One byte short cuts the last name.
+  std::vector<char> buffer(23, '#');
+  n = ProfileGetString(nullptr, nullptr, "", buffer.data(), 23, path.c_str());
+  EXPECT_EQ(n, 21u);
+  EXPECT_EQ(std::string(buffer.data(), 23), std::string("Styles\0styles\0Numbers\0\0", 23));
+  n = ProfileGetString(nullptr, nullptr, "", buffer.data(), 22, path.c_str());
+  EXPECT_EQ(std::string(buffer.data(), 22), std::string("Styles\0styles\0Number\0\0", 22));
   // Size 2 holds only the two zeros; size 1 a single zero.
   n = ProfileGetString(nullptr, nullptr, "", buffer.data(), 2, path.c_str());
   EXPECT_EQ(n, 0u);
@@ -324,6 +352,12 @@ TEST(Profile, KeepsTheFilesLineEnds) {
   ASSERT_TRUE(ProfileWriteString("C", "Y", "9", crlf.c_str()));
   EXPECT_EQ(TempDir::Read(crlf), "[A]\r\nK=one\r\nL=2\r\n[C]\r\nZ=0\r\nY=9\r\n");
 
+  // Spaces round names go; a lone "\r" is the file's line end.
+  std::string cr = dir.Write("cr.ini", "[A]\rK=1");
+  ASSERT_TRUE(ProfileWriteString(" A ", " L ", "2", cr.c_str()));
+  ASSERT_TRUE(ProfileWriteString("B", "M", "3", cr.c_str()));
+  EXPECT_EQ(TempDir::Read(cr), "[A]\rK=1\rL=2\r[B]\rM=3\r");
+
   std::string headerOnly = dir.Write("h.ini", "[A]");
   ASSERT_TRUE(ProfileWriteString("A", "K", "v", headerOnly.c_str()));
   EXPECT_EQ(Get("A", "K", "", headerOnly), "v");
@@ -340,6 +374,8 @@ TEST(Profile, RefusesWritesThatWouldNotReadBack) {
   EXPECT_FALSE(ProfileWriteString("A", ";K", "v", path.c_str()));
   EXPECT_FALSE(ProfileWriteString("", "K", "v", path.c_str()));
   EXPECT_FALSE(ProfileWriteString("A\nB", "K", "v", path.c_str()));
+  EXPECT_FALSE(ProfileWriteString("A]B", "K", "v", path.c_str()));
+  EXPECT_FALSE(ProfileWriteString("A", "\tK", "v", path.c_str()));
   EXPECT_FALSE(ProfileWriteString("A", "K", "v", ""));
   EXPECT_EQ(TempDir::Read(path), original);
 
@@ -353,14 +389,34 @@ TEST(Profile, RefusesWritesThatWouldNotReadBack) {
   }
 }
 
+TEST(Profile, WritesKeepLinesThatAreNoKeysAndTheFilesEncoding) {
+  using namespace std::string_literals;
+  TempDir dir;
+  // "k" without "=" is no key: a write adds one, a removal leaves the line.
+  std::string path = dir.Write("a.ini", "[s]\nk\n[t]\n");
+  ASSERT_TRUE(ProfileWriteString("s", "k", "v", path.c_str()));
+  EXPECT_EQ(TempDir::Read(path), "[s]\nk=v\nk\n[t]\n");
+  ASSERT_TRUE(ProfileWriteString("s", "k", nullptr, path.c_str()));
+  EXPECT_EQ(TempDir::Read(path), "[s]\nk\n[t]\n");
+
+  // A UTF-16 file stays UTF-16 with every other unit as it was: a lone
+  // surrogate, a last odd byte. A byte that is no UTF-8 is written as U+FFFD.
+  const std::string wide = "\xFF\xFE[\0s\0]\0\n\0x\0=\0\0\xD8\n\0"s;
+  path = dir.Write("w.ini", wide + "\x7F");
+  ASSERT_TRUE(ProfileWriteString("s", "k", "\xC3\xA9", path.c_str()));
+  EXPECT_EQ(TempDir::Read(path), wide + "k\0=\0\xE9\0\n\0\x7F"s);
+  ASSERT_TRUE(ProfileWriteString("s", "k", "\xFF", path.c_str()));
+  EXPECT_EQ(Get("s", "k", "", path), "\xEF\xBF\xBD");
+}
+
 // Files put together from the pieces that matter to the format (brackets,
 // "=", ";", quotes, blanks, both line ends, a missing last line end): each
 // write changes exactly what it names, and every other value reads as before.
 TEST(Profile, WritesChangeOnlyWhatTheyName) {
   TempDir dir;
   const char* pieces[] = {"[A]", "[b]", "[ A ]", "[Sec]x", "[", "]", "K", "k2", "Name", "=",
-                          "= v", "\"q\"", "'", ";", " ", "\t", "\r", "x y", "[a]"};
-  const char* sections[] = {"A", "b", "Sec", "New"};
+                          "= v", "\"q\"", "'", ";", " ", "\t", "\r", "x y", "[a]", "[b]]", "[ Sec"};
+  const char* sections[] = {"A", " b ", "Sec", "New"};
   const char* keys[] = {"K", "k2", "Name", "Fresh"};
   const char* values[] = {"1", "two words", "", "a=b", "[z]"};
   std::string path = dir.File("p.ini");
